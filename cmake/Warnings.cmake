@@ -1,0 +1,9 @@
+# The warnings that every target of the project is built with.
+function(qzsvggen_warnings target)
+  if(MSVC)
+    target_compile_options(${target} PRIVATE /W4 $<$<BOOL:${QZSVGGEN_WARNINGS_AS_ERRORS}>:/WX>)
+  else()
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow
+      $<$<BOOL:${QZSVGGEN_WARNINGS_AS_ERRORS}>:-Werror>)
+  endif()
+endfunction()
