@@ -1,0 +1,104 @@
+"""What qzsvggen-replay refuses, with which message, and what it accepts."""
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+TOOL = sys.argv.pop(1)
+CREATE = '["SVG_Create",[0,0,10,20]]'
+
+# A second line, and what stands behind "page.jsonl:2: ".
+BAD = [
+    ('', 'not JSON'),
+    ('["SVG_DrawText",', 'not JSON'),
+    ('["SVG_DrawText","\\ud800",[0,0],null,100]', 'not JSON'),
+    ('{}', 'a line is a list'),
+    ('["SVG_Fill",1]', 'unknown function "SVG_Fill"'),
+    ('["SVG_Delete"]', 'SVG_Delete is implied'),
+    (CREATE, 'a recording has one SVG_Create'),
+    ('["SVG_SetFill",1,2,3]', 'SVG_SetFill: takes 4 arguments, not 3'),
+    ('["SVG_EndLink",1]', 'SVG_EndLink: takes 0 arguments, not 1'),
+    ('["SVG_SetFill",1,2,256,4]', 'SVG_SetFill: argument 3: 256 is not in 0 to 255'),
+    ('["SVG_SetFill",1,-2,3,4]', 'SVG_SetFill: argument 2: -2 is not in 0 to 255'),
+    ('["SVG_SetFill",1,2.0,3,4]', 'SVG_SetFill: argument 2: must be a whole number, not 2.0'),
+    ('["SVG_SetFill","1",2,3,4]', 'SVG_SetFill: argument 1: must be a whole number, not string'),
+    ('["SVG_DrawLine",[0,0],[0,2147483648]]', 'SVG_DrawLine: argument 2: 2147483648 is not in'),
+    ('["SVG_DrawLine",[0,0],[0]]', 'SVG_DrawLine: argument 2: must be a point'),
+    ('["SVG_DrawRectangle",[]]', 'SVG_DrawRectangle: argument 1: must be a rectangle'),
+    ('["SVG_DrawPolyline",[1,2]]', 'SVG_DrawPolyline: argument 1: must be a point'),
+    ('["SVG_DrawPolygon",null]', 'SVG_DrawPolygon: argument 1: must be a list of points'),
+    ('["SVG_DrawPath",[[1,2]],[6,2]]', 'SVG_DrawPath: argument 2: 2 types for 1 points'),
+    ('["SVG_DrawText","ab",[0,0],[1],100]', 'SVG_DrawText: argument 3: 1 advances for 2 code units'),
+    ('["SVG_DrawText",{"text":"ab","count":3},[0,0],null,100]', 'SVG_DrawText: argument 1: a count of 3'),
+    ('["SVG_DrawText",{"base64":"QQA"},[0,0],null,100]', 'SVG_DrawText: argument 1: is not base64'),
+    ('["SVG_DrawText",{"base64":"QUFB"},[0,0],null,100]', 'SVG_DrawText: argument 1: an odd number'),
+    ('["SVG_DrawText",{"text":"","base64":""},[0,0],null,100]', 'SVG_DrawText: argument 1: has more'),
+    ('["SVG_SetFont",{"text":"a","count":-1},1,0,0]', 'SVG_SetFont: argument 1: a count of -1'),
+    ('["SVG_SetFont",{"name":"a"},1,0,0]', 'SVG_SetFont: argument 1: unknown member "name"'),
+    ('["SVG_DrawImage",5,[0,0,1,1],{"file":"none.jpg"},1]', 'SVG_DrawImage: cannot read "none.jpg"'),
+    ('["SVG_DrawImage",5,[0,0,1,1],{"file":"../page.jsonl"},1]', 'SVG_DrawImage: "../page.jsonl" is not'),
+    ('["SVG_DrawImage",5,[0,0,1,1],{"file":".."},1]', 'SVG_DrawImage: cannot read ".."'),
+    ('["SVG_DrawImage",5,[0,0,1,1],{},1]', 'SVG_DrawImage: argument 3: has none of'),
+    ('["SVG_BeginFormField",17,0,0,[0,0,1,1],"a","abc"]', 'SVG_BeginFormField: argument 6: a date field'),
+]
+
+# A second line, and a part of the document.
+GOOD = [
+    ('["SVG_GetVersion"]\n["SVG_GetCurrentClippingRegion"]\r\n["SVG_EndCharacter"]', '<defs></defs></svg>'),
+    ('["SVG_DrawPolyline",[]]', '<defs></defs></svg>'),
+    ('["SVG_DrawLine",[1,2],[3,4]]\n["SVG_Close"]', 'width="0" height="0"><defs></defs></svg>'),
+    ('["SVG_DrawText",{"text":"abc","count":-1},[0,0],[1,2,3],100]', '<defs></defs></svg>'),
+    ('["SVG_DrawText",{"text":"abc","count":2},[0,0],null,100]', '>ab</text>'),
+    ('["SVG_DrawText",{"base64":"PNj23wDY"},[0,0],null,100]', '>\U0001f3f6\ufffd</text>'),
+    ('["SVG_BeginFormField",17,0,0,[0,0,1,1],"a",{"base64":"AQAAAAAAAABkAA==","count":0}]',
+     'velumark:typeData="1 "'),
+    ('["SVG_BeginSignatureField",[0,0,1,1],"a",{"base64":"ZAB5AA=="}]', 'velumark:infoData="dy"'),
+    ('["SVG_DrawImage",4,[0,0,1,1],{"file":"dot.png"},100]', 'base64,RE9U'),
+    ('["SVG_DrawImage",4,[0,0,1,1],{"file":"dot.png","count":2},100]', 'base64,RE8='),
+]
+
+
+class Lines(unittest.TestCase):
+    def setUp(self):
+        directory = tempfile.TemporaryDirectory()
+        self.addCleanup(directory.cleanup)
+        self.directory = pathlib.Path(directory.name)
+        (self.directory / 'dot.png').write_bytes(b'DOT')
+
+    def replay(self, recording, *options):
+        (self.directory / 'page.jsonl').write_text(recording, 'utf-8', newline='')
+        return subprocess.run([TOOL, 'page.jsonl', '-o', 'page.svg', *options], cwd=self.directory,
+                              capture_output=True, text=True, timeout=20)
+
+    def refuses(self, recording, message):
+        result = self.replay(recording)
+        self.assertEqual(result.returncode, 2, result.stderr)
+        self.assertEqual(result.stderr[:len(message)], message)
+        self.assertFalse((self.directory / 'page.svg').exists())
+
+    def test_bad_lines(self):
+        for line, message in BAD:
+            with self.subTest(line=line):
+                self.refuses(f'{CREATE}\n{line}\n', 'page.jsonl:2: ' + message)
+
+    def test_needs_a_page_first(self):
+        self.refuses('', 'page.jsonl:1: no SVG_Create')
+        self.refuses('["SVG_EndLink"]', 'page.jsonl:1: a recording begins with SVG_Create')
+
+    def test_good_lines(self):
+        for line, part in GOOD:
+            with self.subTest(line=line):
+                result = self.replay(f'{CREATE}\n{line}')
+                self.assertEqual(result.returncode, 0, result.stderr)
+                self.assertIn(part, (self.directory / 'page.svg').read_text('utf-8'))
+                self.assertEqual('lone surrogates' in result.stderr, '\ufffd' in part)
+
+    def test_writes_utf16_with_a_mark(self):
+        self.assertEqual(self.replay(CREATE, '--utf16', '--time').returncode, 0)
+        document = (self.directory / 'page.svg').read_bytes()
+        self.assertEqual(document[:4], b'\xff\xfe<\0')
+        self.assertTrue(document.decode('utf-16').endswith('</svg>'))
+
+
+unittest.main()
