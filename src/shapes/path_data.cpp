@@ -1,0 +1,130 @@
+#include "shapes/path_data.h"
+
+#include <algorithm>
+
+#include "markup/wrapping.h"
+
+namespace qz {
+namespace {
+
+// Points are written in steps, so that a place for them is reserved once a step.
+constexpr uint32_t kStep = 64;
+
+// What the points so far decide about the text of the next one.
+class PathDataWriter {
+ public:
+  static constexpr size_t kRoom = kCoordinatePairRoom + 2;  // a letter or blank, and "z"
+
+  char* writePoint(char* out, const POINT& point, uint8_t type) {
+    if (type == PT_MOVETO) {
+      // Relative to the last move, not to the last point. The first one is the absolute head.
+      if (moved_) {
+        *out++ = 'm';
+        out = formatCoordinatePair(out, wrappingSubtract(point.x, start_.x),
+                                   wrappingSubtract(point.y, start_.y));
+      }
+      moved_ = true;
+      lineRun_ = curveRun_ = false;
+      start_ = reference_ = point;
+      return out;
+    }
+    switch (type) {
+      case PT_CLOSEFIGURE:
+        *out++ = 'z';
+        break;
+      case PT_LINETO:
+      case PT_LINETO | PT_CLOSEFIGURE:
+        out = writeOffset(out, point, 'l', lineRun_);
+        curveRun_ = false;
+        break;
+      case PT_BEZIERTO:
+      case PT_BEZIERTO | PT_CLOSEFIGURE:
+        if (!curveRun_) curvePoints_ = 0;
+        out = writeOffset(out, point, 'c', curveRun_);
+        lineRun_ = false;
+        break;
+      default:
+        break;  // writes nothing, but moves the reference on
+    }
+    // A "z" ends no run: what follows is measured from the closing point.
+    if (type == (PT_LINETO | PT_CLOSEFIGURE) || type == (PT_BEZIERTO | PT_CLOSEFIGURE))
+      *out++ = 'z';
+    moveReference(point);
+    return out;
+  }
+
+ private:
+  // The letter only where a run begins; within it a blank, unless a minus sign parts the numbers.
+  char* writeOffset(char* out, const POINT& point, char letter, bool& run) {
+    const int32_t x = wrappingSubtract(point.x, reference_.x);
+    *out = run ? ' ' : letter;
+    out += !run || x >= 0;
+    run = true;
+    return formatCoordinatePair(out, x, wrappingSubtract(point.y, reference_.y));
+  }
+
+  // The three points of a curve are all measured from where it begins.
+  void moveReference(const POINT& point) {
+    if (curveRun_) {
+      curvePoints_ = curvePoints_ == 2 ? 0 : curvePoints_ + 1;
+      if (curvePoints_ != 0) return;
+    }
+    reference_ = point;
+  }
+
+  POINT reference_{0, 0};
+  POINT start_{0, 0};
+  bool moved_ = false;
+  bool lineRun_ = false;
+  bool curveRun_ = false;
+  int curvePoints_ = 0;  // modulo 3
+};
+
+}  // namespace
+
+void writeTypedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
+                        uint32_t count) {
+  // The first move is the head of the text, even when it comes late.
+  const uint8_t* const firstMove = std::find(types, types + count, uint8_t{PT_MOVETO});
+  if (firstMove != types + count) out.append("M", CoordinatePair(points[firstMove - types]));
+
+  PathDataWriter writer;
+  for (uint32_t i = 0; i < count;) {
+    const uint32_t end = i + std::min(kStep, count - i);
+    char* text = out.reserve(kStep * PathDataWriter::kRoom);
+    for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
+    out.commit(text);
+  }
+}
+
+void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin) {
+  for (uint32_t i = 0; i < count;) {
+    const uint32_t end = i + std::min(kStep, count - i);
+    char* text = out.reserve(kStep * (kCoordinatePairRoom + 1));
+    for (; i < end; ++i) {
+      *text = ' ';
+      text = formatCoordinatePair(text + (i != 0), wrappingSubtract(points[i].x, origin.x),
+                                  wrappingSubtract(points[i].y, origin.y));
+    }
+    out.commit(text);
+  }
+}
+
+void writeRectangleOutline(MarkupText& out, const RECT& rectangle) {
+  const auto width = static_cast<uint32_t>(wrappingSubtract(rectangle.right, rectangle.left));
+  out.append("M", CoordinatePair(rectangle.left, rectangle.top), "h", width, "v",
+             wrappingSubtract(rectangle.bottom, rectangle.top), "h-", width, "z");
+}
+
+void writeRectangleListPathData(MarkupText& out, std::span<const RECT> rectangles) {
+  for (const RECT& rectangle : rectangles) {
+    const int32_t width = wrappingSubtract(rectangle.right, rectangle.left);
+    const int32_t height = wrappingSubtract(rectangle.bottom, rectangle.top);
+    // A side without length is a "v0", be it a horizontal one.
+    const char* const side = width == 0 ? "v" : "h";
+    out.append("M", CoordinatePair(rectangle.left, rectangle.top), std::string_view(side, 1), width,
+               "v", height, std::string_view(side, 1), wrappingSubtract(0, width), "z");
+  }
+}
+
+}  // namespace qz
