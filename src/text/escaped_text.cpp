@@ -1,0 +1,46 @@
+#include "text/escaped_text.h"
+
+namespace qz {
+namespace {
+
+bool needsReplacing(UnitView text) {
+  bool found = false;  // without an early end, the loop is done for several units at once
+  for (const Unit unit : text)
+    found |= (unit == '"') | (unit == '&') | (unit == '\'') | (unit == '<') | (unit == '>') |
+             (unit == 0);
+  return found;
+}
+
+void appendReplacement(UnitString& out, Unit unit) {
+  const auto entity = [&out](std::string_view text) { out.append(text.begin(), text.end()); };
+  switch (unit) {
+    case '"':
+      return entity("&quot;");
+    case '&':
+      return entity("&amp;");
+    case '\'':
+      return entity("&apos;");
+    case '<':
+      return entity("&lt;");
+    case '>':
+      return entity("&gt;");
+    case 0:
+      return entity("\t");
+    default:
+      out.push_back(unit);
+  }
+}
+
+}  // namespace
+
+EscapedText::EscapedText(const Unit* text, int64_t count) {
+  if (count <= 0) return;
+  view_ = UnitView(text, static_cast<size_t>(count));
+  if (view_.back() == 0) view_.remove_suffix(1);
+  if (!needsReplacing(view_)) return;
+  replaced_.reserve(view_.size() + 16);
+  for (const Unit unit : view_) appendReplacement(replaced_, unit);
+  view_ = replaced_;
+}
+
+}  // namespace qz

@@ -1,0 +1,29 @@
+// The one place where host text enters the markup.
+#pragma once
+
+#include <cstdint>
+
+#include "markup/portability.h"
+
+namespace qz {
+
+// Host text with the five markup characters as entities. An embedded NUL is a TAB, one in the last
+// counted place is dropped; every other unit is as it was. A count below one gives no text.
+//
+// Text in which nothing needs replacing, which is most, is not copied: the host's text must outlive
+// this object.
+class EscapedText {
+ public:
+  EscapedText(const Unit* text, int64_t count);
+  EscapedText(const EscapedText&) = delete;
+  EscapedText& operator=(const EscapedText&) = delete;
+
+  UnitView view() const { return view_; }
+  bool empty() const { return view_.empty(); }
+
+ private:
+  UnitString replaced_;
+  UnitView view_;
+};
+
+}  // namespace qz

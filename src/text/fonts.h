@@ -1,0 +1,45 @@
+// Fonts: each distinct one is a CSS class of the document.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "markup/content_key.h"
+#include "markup/markup_text.h"
+
+namespace qz {
+
+// The number of a font on its page; its class is "QZ_fnt" and that number.
+using FontNumber = int32_t;
+inline constexpr FontNumber kNoFont = -1;
+
+// One CSS rule, a stretch of the fonts' common text.
+struct FontStyleSheet {
+  size_t firstUnit;
+  size_t unitCount;
+  bool used;  // a text run refers to it, so it is written
+};
+
+// The fonts of one page, numbered in the order in which they are first set, and the current one.
+class Fonts {
+ public:
+  FontNumber current() const { return current_; }
+
+  // A font is known by the hash of its CSS text alone: two texts with one hash share a rule.
+  void set(UnitView escapedFamily, int32_t size, bool italic, bool bold);
+  void clear() { current_ = kNoFont; }
+  void markUsed(FontNumber font) {
+    if (font != kNoFont) fonts_[static_cast<size_t>(font)].used = true;
+  }
+
+  // The rules of the used fonts within a style element; nothing when there are none.
+  void write(MarkupText& out) const;
+
+ private:
+  UnitString cssTexts_;
+  std::vector<FontStyleSheet> fonts_;
+  KeyIndex index_;
+  FontNumber current_ = kNoFont;
+};
+
+}  // namespace qz

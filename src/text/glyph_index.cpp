@@ -1,0 +1,88 @@
+#include "text/glyph_index.h"
+
+#include <cstring>
+
+#include "markup/growth.h"
+
+namespace qz {
+namespace {
+
+// A hash for this process alone, eight bytes at a time in two independent chains.
+class BytesHash {
+ public:
+  void add(const void* bytes, size_t size) {
+    const auto* next = static_cast<const unsigned char*>(bytes);
+    for (; size >= 16; size -= 16, next += 16) {
+      first_ = mix(first_, next, 8);
+      second_ = mix(second_, next + 8, 8);
+    }
+    if (size >= 8) {
+      first_ = mix(first_, next, 8);
+      next += 8;
+      size -= 8;
+    }
+    if (size > 0) second_ = mix(second_, next, size);
+  }
+  uint64_t value() const { return first_ ^ (second_ >> 32) ^ (second_ << 32); }
+
+ private:
+  static uint64_t mix(uint64_t hash, const unsigned char* bytes, size_t size) {
+    uint64_t word = 0;
+    std::memcpy(&word, bytes, size);
+    hash = (hash ^ word) * 0x9e3779b97f4a7c15;
+    return hash ^ (hash >> 32);
+  }
+  uint64_t first_ = 0x243f6a8885a308d3;
+  uint64_t second_ = 0x13198a2e03707344;
+};
+
+size_t pointsSize(const Path& path) { return path.count * sizeof(POINT); }
+
+uint64_t hashPoints(const Path& path) {
+  BytesHash hash;
+  hash.add(path.points, pointsSize(path));
+  hash.add(path.types, path.count);
+  return hash.value();
+}
+
+}  // namespace
+
+bool GlyphIndex::KnownPath::equals(const Path& path) const {
+  return count == path.count && std::memcmp(bytes, path.points, pointsSize(path)) == 0 &&
+         std::memcmp(bytes + pointsSize(path), path.types, count) == 0;
+}
+
+GlyphIndex::Search GlyphIndex::find(const Path& path, MarkupText& geometry) const {
+  if (path.count == 0) return findByText(path, geometry);
+  const uint64_t pointsKey = hashPoints(path);
+  const auto known =
+      points_.find(pointsKey, [&](KeyIndex::Number number) { return paths_[number].equals(path); });
+  if (known) return {paths_[*known].glyph, 0, 0};
+  Search search = findByText(path, geometry);
+  search.pointsKey = pointsKey;
+  return search;
+}
+
+void GlyphIndex::reserveOne() {
+  texts_.reserveOne();
+  reserveMore(glyphs_, 1);
+}
+
+void GlyphIndex::add(const Search& search, const Glyph& glyph) noexcept {
+  glyphs_.push_back(glyph);
+  texts_.insert(search.textKey, count() - 1);
+}
+
+void GlyphIndex::remember(const Search& search, const Path& path, GlyphNumber number) {
+  if (path.count == 0 || search.pointsKey == 0) return;  // no points, or known by them already
+  points_.reserveOne();
+  reserveMore(paths_, 1);
+  auto* bytes = static_cast<unsigned char*>(
+      pathBytes_.allocate(pointsSize(path) + path.count, alignof(POINT)));
+  std::memcpy(bytes, path.points, pointsSize(path));
+  std::memcpy(bytes + pointsSize(path), path.types, path.count);
+  paths_.push_back({bytes, path.count, number});
+  points_.insert(search.pointsKey, static_cast<KeyIndex::Number>(paths_.size() - 1));
+}
+
+}  // namespace qz
