@@ -1,0 +1,74 @@
+#include "images/raster_images.h"
+
+#include "images/base64.h"
+#include "markup/wrapping.h"
+
+namespace qz {
+namespace {
+
+constexpr uint32_t kReservedKey = 0xFFFFFFFF;
+
+constexpr uint32_t power31(int exponent) { return exponent == 0 ? 1 : 31 * power31(exponent - 1); }
+
+// h * 31 + byte over all bytes, modulo 2^32. Eight bytes a step: one dependent multiplication
+// instead of eight.
+uint32_t contentKey(const uint8_t* bytes, size_t size) {
+  uint32_t key = 0;
+  for (; size >= 8; size -= 8, bytes += 8)
+    key = key * power31(8) + bytes[0] * power31(7) + bytes[1] * power31(6) + bytes[2] * power31(5) +
+          bytes[3] * power31(4) + bytes[4] * power31(3) + bytes[5] * power31(2) +
+          bytes[6] * power31(1) + bytes[7];
+  for (; size > 0; --size) key = key * 31 + *bytes++;
+  return key;
+}
+
+std::string_view dataUriPrefix(ImageFormat format) {
+  switch (format) {
+    case ImageFormat::Png:
+      return "data:image/png;base64,";
+    case ImageFormat::Jpeg:
+      return "data:image/jpeg;base64,";
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+void Image::write(MarkupText& out) const {
+  out.append("<use xlink:href=\"#QZ_I", id, "\" x=\"", bounds.left, "\" y=\"", bounds.top,
+             "\" width=\"", wrappingSubtract(bounds.right, bounds.left), "\" height=\"",
+             wrappingSubtract(bounds.bottom, bounds.top), "\"");
+  if (compressionQuality != 100)
+    out.append(" velumark:compressionQuality=\"", compressionQuality, "\"");
+  out.append("/>");
+}
+
+std::optional<uint32_t> RasterImages::findOrRegister(ImageFormat format, const RECT& bounds,
+                                                     const uint8_t* bytes, size_t size) {
+  if (repeated_.equal(bytes, size)) return repeatedId_;
+  const uint32_t key = contentKey(bytes, size);
+  if (key == kReservedKey) return std::nullopt;
+  if (const auto known = index_.find(key)) {
+    repeated_.remember(bytes, size);
+    repeatedId_ = *known;
+    return known;
+  }
+  const std::string_view prefix = dataUriPrefix(format);
+  if (prefix.empty()) return count_;
+
+  const int32_t width = wrappingSubtract(bounds.right, bounds.left);
+  const int32_t height = wrappingSubtract(bounds.bottom, bounds.top);
+  index_.reserveOne();
+  appendWhole(symbols_, [&] {
+    symbols_.append("<symbol id=\"QZ_I", count_, "\" viewBox=\"0 0 ", width, " ", height,
+                    "\"><image width=\"", width, "\" height=\"", height, "\" xlink:href=\"",
+                    prefix);
+    appendBase64(symbols_, bytes, size);
+    symbols_.append("\"/></symbol>");
+  });
+  index_.insert(key, count_);
+  return count_++;
+}
+
+}  // namespace qz

@@ -1,0 +1,49 @@
+// Raster pictures: each distinct one is stored once, as a symbol in the definitions.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "images/repeated_bytes.h"
+#include "markup/content_key.h"
+#include "markup/markup_text.h"
+
+namespace qz {
+
+enum class ImageFormat : uint16_t {
+  Png = SVG_IMAGE_PNG,
+  Jpeg = SVG_IMAGE_JPEG,
+  Svg = SVG_IMAGE_SVG
+};
+
+// A placement of a registered picture.
+struct Image {
+  uint32_t id;  // "QZ_I" and this number
+  RECT bounds;
+  uint16_t compressionQuality;  // written unless it is 100
+
+  void write(MarkupText& out) const;
+};
+
+// The raster pictures of one page, known by a 32-bit hash of their bytes alone: two pictures with
+// one hash share the first one's symbol, be their formats the same or not.
+class RasterImages {
+ public:
+  // The id of a picture, which is registered with `bounds` as its size when it is new. A picture of
+  // an unknown format is not stored and gets the id of the next one that is: its placement refers
+  // to nothing, or to that one. None when the bytes have the reserved hash value.
+  std::optional<uint32_t> findOrRegister(ImageFormat format, const RECT& bounds,
+                                         const uint8_t* bytes, size_t size);
+
+  MarkupText takeSymbols() noexcept { return std::move(symbols_); }
+  size_t size() const { return symbols_.size(); }
+
+ private:
+  MarkupText symbols_;
+  uint32_t count_ = 0;
+  KeyIndex index_;
+  RepeatedBytes repeated_;
+  uint32_t repeatedId_ = 0;
+};
+
+}  // namespace qz

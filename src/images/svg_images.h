@@ -1,0 +1,64 @@
+// SVG pictures: the content of each is stored once, with one sizing symbol for each size.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "images/repeated_bytes.h"
+#include "images/svg_root.h"
+#include "markup/content_key.h"
+#include "markup/markup_text.h"
+
+namespace qz {
+
+// A placement of a sized picture.
+struct Symbol {
+  uint32_t id;  // "QZ_S" and this number
+  POINT origin;
+
+  void write(MarkupText& out) const;
+};
+
+// The SVG pictures of one page. Contents are known by a 32-bit hash alone, symbols by the hash of
+// their sizing attributes and that of their content.
+class SvgImages {
+ public:
+  // The symbol that shows the picture at the size of `bounds`; its content and the symbol are
+  // registered when they are new. None when the bytes are no picture.
+  std::optional<uint32_t> findOrRegister(const RECT& bounds, const uint8_t* bytes, size_t size);
+
+  MarkupText takeContents() noexcept { return std::move(contents_); }
+  MarkupText takeSymbols() noexcept { return std::move(symbols_); }
+  size_t size() const { return contents_.size() + symbols_.size(); }
+
+ private:
+  // What is known of one picture's bytes.
+  struct Picture {
+    SvgRootAttributes root;
+    uint32_t contentHash;
+    uint32_t contentId;  // "QZ_G" and this number
+  };
+  struct SymbolKey {
+    uint64_t sizingHash;
+    uint32_t contentHash;
+  };
+
+  std::optional<Picture> parseSvgImage(const uint8_t* bytes, size_t size);
+  template <class View>
+  std::optional<Picture> registerContent(View text);
+  void writeSizing(const SvgRootAttributes& root, const RECT& bounds);
+  uint32_t findOrRegisterSymbol(const Picture& picture);
+
+  MarkupText contents_;
+  MarkupText symbols_;
+  MarkupText sizing_;  // scratch
+  uint32_t contentCount_ = 0;
+  KeyIndex contentIndex_;
+  std::vector<SymbolKey> symbolKeys_;
+  KeyIndex symbolIndex_;
+  RepeatedBytes repeated_;
+  Picture repeatedPicture_;
+};
+
+}  // namespace qz
