@@ -359,10 +359,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndCharacter(SvgGenerator* generator) QZS
  *              one that is out of range or was drawn with no outline adds nothing visible
  * position     where this character stands
  */
-QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(SvgGenerator* generator,
-                                                             uint32_t reference,
-                                                             const POINT* position)
-    QZSVGGEN_NOEXCEPT;
+QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(
+    SvgGenerator* generator, uint32_t reference, const POINT* position) QZSVGGEN_NOEXCEPT;
 
 /* ---- Pictures ------------------------------------------------------------------------------ */
 
@@ -382,8 +380,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(SvgGenerator* gener
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16_t format,
                                                  const RECT* bounds, const uint8_t* data,
-                                                 int32_t length, uint16_t quality)
-    QZSVGGEN_NOEXCEPT;
+                                                 int32_t length,
+                                                 uint16_t quality) QZSVGGEN_NOEXCEPT;
 
 /* ---- Clip regions -------------------------------------------------------------------------- *
  *
@@ -408,9 +406,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_AddClippingRegion(SvgGenerator* generator
  * makes two regions: the page, then the page with the cut). Returns 0.
  * A rectangle that lies inside an earlier cut ends clipping: afterwards no region is current.
  */
-QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_ExcludeClippingRegion(SvgGenerator* generator,
-                                                             const RECT* rectangle)
-    QZSVGGEN_NOEXCEPT;
+QZSVGGEN_API int32_t QZSVGGEN_CALL
+SVG_ExcludeClippingRegion(SvgGenerator* generator, const RECT* rectangle) QZSVGGEN_NOEXCEPT;
 
 /* Draws unclipped from now on; the region can be selected again by its number. Returns 0. */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndClippingRegion(SvgGenerator* generator) QZSVGGEN_NOEXCEPT;
