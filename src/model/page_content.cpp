@@ -23,10 +23,4 @@ void PageContent::writeEnd(MarkupText& out) const {
   out.append(groupEnd_, std::string_view(region_ == kNoRegion ? "" : "</g>"));
 }
 
-void PageContent::Filing::takeBack() noexcept {
-  content_.tail().rewind(mark_);
-  content_.groupEnd_ = groupEnd_;
-  content_.region_ = region_;
-}
-
 }  // namespace qz

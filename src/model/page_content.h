@@ -21,22 +21,22 @@ class PageContent {
   // `write` appends the element. If anything fails, nothing was filed.
   template <class Write>
   void appendElement(RegionNumber region, Write write) {
-    const Filing filing(*this);
-    if (groupEnd_.empty()) enterRegion(region);
-    write(tail());
-    filing.complete();
+    fileWhole([&] {
+      if (groupEnd_.empty()) enterRegion(region);
+      write(tail());
+    });
   }
 
   // Files a group and makes it the open one; a group that is still open ends before it. `write`
   // appends the start tag, `endTag` is a literal.
   template <class Write>
   void openGroup(RegionNumber region, std::string_view endTag, Write write) {
-    const Filing filing(*this);
-    closeGroup();
-    enterRegion(region);
-    write(tail());
-    groupEnd_ = endTag;
-    filing.complete();
+    fileWhole([&] {
+      closeGroup();
+      enterRegion(region);
+      write(tail());
+      groupEnd_ = endTag;
+    });
   }
 
   // Ends the open group, whatever its kind, if there is one.
@@ -57,30 +57,19 @@ class PageContent {
   void writeEnd(MarkupText& out) const;
 
  private:
-  // Takes everything back unless it completes.
-  class Filing {
-   public:
-    explicit Filing(PageContent& content)
-        : content_(content),
-          mark_(content.tail().mark()),
-          groupEnd_(content.groupEnd_),
-          region_(content.region_) {}
-    Filing(const Filing&) = delete;
-    Filing& operator=(const Filing&) = delete;
-    ~Filing() {
-      if (!completed_) takeBack();
+  // Runs something that files; if it fails, nothing was filed.
+  template <class File>
+  void fileWhole(File file) {
+    const std::string_view groupEnd = groupEnd_;
+    const RegionNumber region = region_;
+    try {
+      appendWhole(tail(), file);
+    } catch (...) {
+      groupEnd_ = groupEnd;
+      region_ = region;
+      throw;
     }
-    void complete() const { completed_ = true; }
-
-   private:
-    QZ_NOINLINE void takeBack() noexcept;
-
-    PageContent& content_;
-    const MarkupText::Mark mark_;
-    const std::string_view groupEnd_;
-    const RegionNumber region_;
-    mutable bool completed_ = false;
-  };
+  }
 
   MarkupText& tail() { return blockOpen_ ? behind_ : text_; }
   void enterRegion(RegionNumber region) {
