@@ -216,7 +216,7 @@ int32_t QZSVGGEN_CALL SVG_DrawPolyline(SvgGenerator* generator, const POINT* poi
                                        uint32_t count) noexcept {
   if (count == 0) return 0;
   return drawShape(generator, [=](const POINT& origin, int32_t) {
-    return Polyline{points, count, origin};
+    return qz::Polyline{points, count, origin};  // Windows has functions of these names
   });
 }
 
@@ -224,7 +224,7 @@ int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, const POINT* poin
                                       uint32_t count) noexcept {
   if (count == 0) return 0;
   return drawShape(generator, [=](const POINT& origin, int32_t) {
-    return Polygon{{points, count, origin}};
+    return qz::Polygon{{points, count, origin}};
   });
 }
 
