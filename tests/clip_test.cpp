@@ -1,0 +1,120 @@
+#include "page.h"
+
+namespace qz::test {
+namespace {
+
+std::string region(int number, const std::string& data, const char* rule = "") {
+  return "<clipPath id='QZ_C" + std::to_string(number) + "'><path d='" + data + "'" + rule +
+         "/></clipPath>";
+}
+const char* const kEvenOdd = " clip-rule='evenodd'";
+
+std::string clipped(int number, const std::string& content) {
+  return "<g clip-path='url(#QZ_C" + std::to_string(number) + ")'>" + content + "</g>";
+}
+
+// clang-format off
+TEST(Clip, RectanglesBecomeOnePath) {
+  const struct {
+    const char* rule; RECT base; std::vector<RECT> added, cut;
+    const char *data, *fillRule = "";
+  } cases[] = {
+      {"a single one", {0, 0, 100, 100}, {}, {}, "M0 0h100v100h-100z"},
+      {"added ones are not merged", {0, 0, 10, 5}, {{2, 1, 4, 3}}, {},
+       "M0 0h10v5h-10zM2 1h2v2h-2z", kEvenOdd},
+      {"a cut is the part inside each kept rectangle",
+       {0, 0, 20, 20}, {{30, 0, 50, 20}}, {{10, 10, 40, 15}, {15, -5, 16, 99}},
+       "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v5h-10zM15 0h1v20h-1zM30 10h10v5h-10z", kEvenOdd},
+      {"a cut that touches from outside, or is empty, adds nothing",
+       {0, 0, 20, 20}, {}, {{20, 0, 30, 20}, {5, 5, 5, 9}, {5, 9, 9, 9}, {9, 4, 5, 9}},
+       "M0 0h20v20h-20z"},
+      {"a cut around an earlier one replaces it",
+       {0, 0, 100, 100}, {}, {{10, 10, 20, 20}, {5, 5, 20, 30}},
+       "M0 0h100v100h-100zM5 5h15v25h-15z", kEvenOdd},
+      {"around several it replaces each, and the copies cancel out",
+       {0, 0, 100, 50}, {}, {{0, 0, 5, 5}, {10, 0, 15, 5}, {90, 0, 95, 5}, {0, 0, 20, 10}},
+       "M0 0h100v50h-100zM0 0h20v10h-20zM0 0h20v10h-20zM90 0h5v5h-5z", kEvenOdd},
+      {"no width", {0, 0, 0, 5}, {}, {}, "M0 0v0v5v0z"},
+      {"no height", {0, 0, 10, 0}, {}, {}, "M0 0h10v0h-10z"},
+      {"reversed", {10, 5, 5, -5}, {}, {{6, 0, 7, 1}}, "M10 5h-5v-10h5z"},
+      {"too wide for 32 bits counts as reversed",
+       {kLeast, 0, kMost, 10}, {}, {{1, 1, 2, 2}}, "M-2147483648 0h-1v10h1z"},
+  };
+  for (const auto& [rule, base, added, cut, data, fillRule] : cases) {
+    Page page;
+    page.clip(base);
+    for (const RECT& each : added) page(SVG_AddClippingRegion, &each);
+    for (const RECT& each : cut) page(SVG_ExcludeClippingRegion, &each);
+    const int number = static_cast<int>(added.size() + cut.size());
+    EXPECT_EQ(number, SVG_GetCurrentClippingRegion(page.generator)) << rule;
+    EXPECT_EQ(document(markup(clipped(number, kLine)), markup(region(number, data, fillRule))),
+              page.line().close()) << rule;
+  }
+}
+// clang-format on
+
+TEST(Clip, NumbersSelectRegionsAgain) {
+  Page page({10, 20, 110, 70});
+  SvgGenerator* const generator = page.generator;
+  page(SVG_AddClippingRegion, box({0, 0, 1, 1}));
+  EXPECT_EQ(-1, SVG_GetCurrentClippingRegion(generator));
+  page(SVG_ExcludeClippingRegion, box({20, 20, 30, 30}));  // from the page's rectangle
+  EXPECT_EQ(1, SVG_GetCurrentClippingRegion(generator));
+  page.line()(SVG_ExcludeClippingRegion, box({20, 20, 30, 30}));  // inside a cut: clipping ends
+  EXPECT_EQ(-1, SVG_GetCurrentClippingRegion(generator));
+  EXPECT_EQ(0, SVG_SetCurrentClippingRegion(page.line().generator, 1));
+  page.line()(SVG_EndClippingRegion).line();
+  EXPECT_EQ(0, SVG_SetCurrentClippingRegion(generator, 0));
+  for (const uint32_t unknown : {2u, 0x80000000u, 0xFFFFFFFFu})
+    EXPECT_EQ(1, SVG_SetCurrentClippingRegion(generator, unknown));
+  page.line().clip({0, 0, 1, 1});
+  EXPECT_EQ(2, SVG_GetCurrentClippingRegion(generator));
+  EXPECT_EQ(
+      document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine + clipped(0, kLine)),
+               markup(region(0, "M10 20h100v50h-100z") +
+                      region(1, "M10 20h100v50h-100zM20 20h10v10h-10z", kEvenOdd))),
+      page.close());
+}
+
+// clang-format off
+TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
+  const std::string first = region(0, "M0 0h1v1h-1z"), second = region(1, "M0 0h2v2h-2z");
+  check({
+      {"a run of elements under one region",
+       [](Page& page) { page.clip({0, 0, 1, 1}).line().line().clip({0, 0, 2, 2}).line(); },
+       clipped(0, kLine + kLine) + clipped(1, kLine), first + second},
+      {"text, pictures, targets and character blocks",
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).text(u"a").clip({0, 0, 2, 2}).image(9, {0, 0, 1, 1}, "?");
+         page.clip({0, 0, 1, 1}).target({1, 2}).clip({0, 0, 2, 2})(SVG_BeginCharacterBlock);
+       },
+       clipped(0, "<text x='1' y='2' xml:space='preserve'>a</text>") +
+           clipped(1, "<use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>") +
+           clipped(2, "<velumark:target purpose='DocumentTarget' name='' position='1 2'/>") +
+           clipped(3, "<g></g>"),
+       first + second + region(2, "M0 0h1v1h-1z") + region(3, "M0 0h2v2h-2z")},
+      {"a group's children mark their region but are not cut",
+       [](Page& page) { page.clip({0, 0, 1, 1}).link().clip({0, 0, 2, 2}).line(); },
+       clipped(0, kLink + kLine + "</a>"), first + second},
+      {"outlines in a block and inverted rectangles mark none",
+       [](Page& page) {
+         page(SVG_BeginCharacterBlock)(SVG_BeginCharacter, at({0, 0})).clip({0, 0, 1, 1}).line();
+         page(SVG_InvertRectangle, box({0, 0, 1, 1}));
+       },
+       "<g id='QZ_x'><g><line id='QZ_0_0' x1='1' y1='2' x2='3' y2='4'/></g></g>"
+       "<g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>",
+       "<filter id='QZ_V0' filterUnits='userSpaceOnUse' x='0' y='0' width='1' height='1'>" +
+           kMatrix},
+      {"what is refused marks none",
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).text(u"").polyline({}).image(4, {0, 0, 1, 1}, "", 90);
+         page.image(8, {0, 0, 1, 1}, "<svg></svg>", 90);
+         page.image(4, {0, 0, 1, 1}, "\4\32\0\23\35\30\3"s, 90);  // its hash is the reserved one
+       },
+       ""},
+  });
+}
+// clang-format on
+
+}  // namespace
+}  // namespace qz::test
