@@ -25,8 +25,7 @@ char* put(char* out, const char (&literal)[size]) {
 
 inline size_t room(std::string_view text) { return text.size(); }
 inline char* put(char* out, std::string_view text) {
-  std::memcpy(out, text.data(), text.size());
-  return out + text.size();
+  return out + text.copy(out, text.size());  // not memcpy: empty text may have no place
 }
 
 template <std::integral Integer>
