@@ -77,7 +77,11 @@ void ClipRegions::add(const RECT& rectangle) {
 }
 
 void ClipRegions::exclude(const RECT& rectangle, const RECT& page) {
-  if (current_ == kNoRegion) begin(page);
+  if (current_ == kNoRegion) {
+    reserveMore(records_, 2);  // what follows cannot fail: there are both regions or none
+    reserveMore(regions_, 2);
+    begin(page);
+  }
   const ClipPath region = *currentClipPath();
   const Absorbed absorbed = examine(region, rectangle);
   if (!absorbed.any)
