@@ -1,15 +1,26 @@
 #!/bin/sh
-# The header, the linker's list and the shared object name the same 39 functions and no others.
-# usage: exports_test.sh HEADER LIST LIBRARY
+# usage: exports_test.sh HEADER FILE...
+# Each file (.def, version script, shared object, DLL, import libraries) names exactly the 39
+# functions of the header. NM and OBJDUMP are the tools for binaries.
 set -eu
+names() {
+  case $1 in
+    *.h)
+      tr '\n' ' ' <"$1" | grep -o 'SVG_[A-Za-z]*( *\(SvgGenerator\|const\|void\)' | sed 's/(.*//'
+      ;;
+    *.def | *.map) sed -n 's/^  \([A-Za-z0-9_]*\);\?$/\1/p' "$1" ;;
+    *.dll) "$OBJDUMP" -p "$1" | sed -n 's/^\t\[ *[0-9]*\] \([^ ]*\)$/\1/p' ;;
+    *.lib | *.a) "$NM" "$1" 2>/dev/null | sed -n 's/.* I __imp_//p' ;;
+    *) "$NM" -D --defined-only "$1" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' ;;
+  esac | sort
+}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-declared='SVG_[A-Za-z]*( *\(SvgGenerator\|const\|void\)'
-tr '\n' ' ' <"$1" | grep -o "$declared" | sed 's/(.*//' | sort >"$work/header"
-grep -o 'SVG_[A-Za-z]*' "$2" | sort >"$work/list"
-# The version itself is an absolute symbol (A).
-nm -D --defined-only "$3" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' | sort >"$work/library"
-diff "$work/header" "$work/list"
-diff "$work/header" "$work/library"
+names "$1" >"$work/header"
 count=$(wc -l <"$work/header")
-[ "$count" -eq 39 ] || { echo "$count functions instead of 39"; exit 1; }
+[ "$count" -eq 39 ] || { echo "$1: $count functions instead of 39"; exit 1; }
+shift
+for file; do
+  names "$file" >"$work/names"
+  diff "$work/header" "$work/names" || { echo "$file differs from the header"; exit 1; }
+done
