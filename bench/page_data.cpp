@@ -14,8 +14,8 @@ constexpr uint8_t kGlyphTypes[] = {M,     L, C, C, C, C, C, C, L, L, C, C,    C,
 
 }  // namespace
 
-const PageData& PageData::get() {
-  static const PageData data;
+PageData& PageData::get() {
+  static PageData data;
   return data;
 }
 
@@ -50,12 +50,11 @@ PageData::PageData() {
 
 Outline PageData::figure(size_t i) const {
   constexpr int count = sizeof kFigureTypes;
-  return {&outlinePoints_[i * count % kCount], kFigureTypes, count};
+  return {&outlinePoints_[inRow(i * count)], kFigureTypes, count};
 }
 
-// Five points further each time: windows that differ, for up to 6,553 glyphs.
 Outline PageData::glyph(size_t i) const {
-  return {&outlinePoints_[i * 5 % kCount], kGlyphTypes, sizeof kGlyphTypes};
+  return {&outlinePoints_[inRow(i * 5)], kGlyphTypes, sizeof kGlyphTypes};
 }
 
 RECT PageData::cell(size_t i) const {

@@ -26,24 +26,31 @@ struct Outline {
   int count;
 };
 
-// Long enough that no branch predictor learns the digits, short enough to stay in the second-level
-// cache, as data that a host has just computed does. Element i takes what stands at i, modulo the
-// lengths.
+// Elements take what stands in a row or at odd steps in lists that stay in the second-level cache,
+// as data that a host has just computed does. A page begins elsewhere and steps differently from
+// the one before: drawn over and over again, the same page would teach the processor's branch
+// predictor its digits, which no host's page does.
 class PageData {
  public:
-  static const PageData& get();
+  static PageData& get();
 
-  const POINT& point(size_t i) const { return points_[i % kCount]; }
-  const RECT& rectangle(size_t i) const { return rectangles_[i % kCount]; }
-  const Colour& colour(size_t i) const { return colours_[i % kCount]; }
+  static constexpr int kPages = 61;
+  void turnTo(int page) {
+    offset_ = 4099 * static_cast<size_t>(page);
+    step_ = 2 * static_cast<size_t>(page) + 1;
+  }
+
+  const POINT& point(size_t i) const { return points_[scattered(i)]; }
+  const RECT& rectangle(size_t i) const { return rectangles_[scattered(i)]; }
+  const Colour& colour(size_t i) const { return colours_[scattered(i)]; }
   // `count` points in a row.
-  const POINT* points(size_t i, size_t count) const { return &points_[i * count % kCount]; }
+  const POINT* points(size_t i, size_t count) const { return &points_[inRow(i * count)]; }
   // A closed figure of four lines and four curves.
   Outline figure(size_t i) const;
-  // The outline of a glyph: two closed figures, all different.
+  // The outline of a glyph: two closed figures, different for each i below 6,553.
   Outline glyph(size_t i) const;
-  std::u16string_view run(size_t i) const { return {&letters_[i * 7 % kCount], kRunLength}; }
-  const int32_t* advances(size_t i) const { return &advances_[i * 11 % kCount]; }
+  std::u16string_view run(size_t i) const { return {&letters_[inRow(i * 7)], kRunLength}; }
+  const int32_t* advances(size_t i) const { return &advances_[inRow(i * 11)]; }
   // Rectangles that neither touch nor contain each other, for i below kCells squared.
   RECT cell(size_t i) const;
   static constexpr int kCells = 71;
@@ -61,9 +68,14 @@ class PageData {
  private:
   PageData();
 
+  size_t scattered(size_t i) const { return (i * step_ + offset_) % kCount; }
+  size_t inRow(size_t i) const { return (i + offset_) % kCount; }
+
   static constexpr size_t kCount = 32768;
   static constexpr size_t kTail = 128;  // entries that can be read in a row from anywhere
 
+  size_t offset_ = 0;
+  size_t step_ = 1;
   std::vector<POINT> points_;         // on the whole page
   std::vector<POINT> outlinePoints_;  // around circles
   std::vector<RECT> rectangles_;
