@@ -67,13 +67,14 @@ TEST(Clip, NumbersSelectRegionsAgain) {
   EXPECT_EQ(0, SVG_SetCurrentClippingRegion(generator, 0));
   for (const uint32_t unknown : {2u, 0x80000000u, 0xFFFFFFFFu})
     EXPECT_EQ(1, SVG_SetCurrentClippingRegion(generator, unknown));
-  page.line().clip({0, 0, 1, 1});
+  page.line()(SVG_AddClippingRegion, box({0, 0, 1, 1})).line();  // to the one selected
   EXPECT_EQ(2, SVG_GetCurrentClippingRegion(generator));
-  EXPECT_EQ(
-      document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine + clipped(0, kLine)),
-               markup(region(0, "M10 20h100v50h-100z") +
-                      region(1, "M10 20h100v50h-100zM20 20h10v10h-10z", kEvenOdd))),
-      page.close());
+  EXPECT_EQ(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
+                            clipped(0, kLine) + clipped(2, kLine)),
+                     markup(region(0, "M10 20h100v50h-100z") +
+                            region(1, "M10 20h100v50h-100zM20 20h10v10h-10z", kEvenOdd) +
+                            region(2, "M10 20h100v50h-100zM0 0h1v1h-1z", kEvenOdd))),
+            page.close());
 }
 
 // clang-format off
