@@ -60,8 +60,7 @@ void ClipRegions::fileReplaced(ClipPath region, const RECT& cut) {
   const size_t first = records_.size();
   for (size_t i = 0; i < region.recordCount; ++i) {
     ClipRegionRecord record = records_[region.firstRecord + i];
-    if (record.isExcluded() && !contains(record.rect, cut) && contains(cut, record.rect))
-      record.rect = cut;
+    if (record.isExcluded() && contains(cut, record.rect)) record.rect = cut;
     records_.push_back(record);
   }
   regions_.push_back({first, region.recordCount, false});
@@ -112,25 +111,26 @@ bool ClipRegions::select(uint32_t number) {
 }
 
 void ClipRegions::write(MarkupText& out) const {
-  std::vector<RECT> rectangles;
+  std::vector<RECT> rectangles, cuts;
   for (size_t number = 0; number < regions_.size(); ++number)
-    if (regions_[number].used) writeClipPath(out, static_cast<RegionNumber>(number), rectangles);
+    if (regions_[number].used)
+      writeClipPath(out, static_cast<RegionNumber>(number), rectangles, cuts);
 }
 
 // The kept rectangles, then each part of them that is cut out once more: filled by the even-odd
 // rule, what is covered twice is a hole. Overlaps of kept rectangles are holes too, which is meant.
-void ClipRegions::writeClipPath(MarkupText& out, RegionNumber number,
-                                std::vector<RECT>& rectangles) const {
+void ClipRegions::writeClipPath(MarkupText& out, RegionNumber number, std::vector<RECT>& rectangles,
+                                std::vector<RECT>& cuts) const {
   const ClipPath& region = regions_[static_cast<size_t>(number)];
-  const auto records = std::span(records_).subspan(region.firstRecord, region.recordCount);
   rectangles.clear();
-  for (const ClipRegionRecord& record : records)
-    if (!record.isExcluded()) rectangles.push_back(record.rect);
+  cuts.clear();
+  for (const ClipRegionRecord& record :
+       std::span(records_).subspan(region.firstRecord, region.recordCount))
+    (record.isExcluded() ? cuts : rectangles).push_back(record.rect);
   const size_t kept = rectangles.size();
   for (size_t i = 0; i < kept; ++i)
-    for (const ClipRegionRecord& record : records)
-      if (record.isExcluded() && overlap(rectangles[i], record.rect))
-        rectangles.push_back(intersection(rectangles[i], record.rect));
+    for (const RECT& cut : cuts)
+      if (overlap(rectangles[i], cut)) rectangles.push_back(intersection(rectangles[i], cut));
 
   out.append("<clipPath id=\"QZ_C", number, "\"><path d=\"");
   writeRectangleListPathData(out, rectangles);

@@ -1,4 +1,4 @@
-// Clip regions: unions of rectangles with rectangles cut out of them.
+// Clip regions: rectangles, with rectangles cut out of them.
 #pragma once
 
 #include <cstdint>
@@ -65,7 +65,9 @@ class ClipRegions {
   void file(ClipPath region, const ClipRegionRecord& record);
   void fileReplaced(ClipPath region, const RECT& cut);
   std::optional<ClipPath> currentClipPath() const;
-  void writeClipPath(MarkupText& out, RegionNumber number, std::vector<RECT>& scratch) const;
+  // The vectors are scratch.
+  void writeClipPath(MarkupText& out, RegionNumber number, std::vector<RECT>& rectangles,
+                     std::vector<RECT>& cuts) const;
 
   std::vector<ClipRegionRecord> records_;
   std::vector<ClipPath> regions_;
