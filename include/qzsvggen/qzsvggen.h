@@ -43,13 +43,15 @@
  *                them may be used on different threads at once.
  *   Order        SVG_Create; then state, region and drawing calls in painting order; SVG_Close
  *                with a null buffer; SVG_Close with a buffer; SVG_Delete. A generator makes one
- *                page. After the first SVG_Close drawing calls do nothing and return 0.
+ *                page. After the first SVG_Close with a null buffer every function but SVG_Close
+ *                and SVG_Delete does nothing: no region is current, none can be selected.
  *   Results      Almost every function returns 0 whatever happens. Results that inform:
  *                SVG_Create, SVG_Close, SVG_GetVersion, SVG_GetCurrentClippingRegion and
  *                SVG_SetCurrentClippingRegion.
- *   Memory       When memory is exhausted a drawing call records nothing, a state call leaves the
- *                state as it was, SVG_Create returns null and SVG_Close(null) returns 0. The page
- *                stays usable. No exception leaves the library.
+ *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0. A
+ *                shape, text run, target or state call has no effect then; a picture, a group or a
+ *                character may have part of its effect (a definition without a use, say). The page
+ *                stays consistent and usable. No exception leaves the library.
  *   Undefined    A deleted handle, a null pointer where a value is read, a count that is larger
  *                than the array behind it. None of this is checked.
  */
@@ -195,8 +197,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetFill(SvgGenerator* generator, uint8_t 
 /*
  * Sets the stroke of what is drawn from now on. Returns 0.
  *
- * width    in device units. With alpha 0 or width 0 nothing is stroked. A rectangle drawn with a
- *          stroke is moved right and down by half the width, rounded down.
+ * width    in device units. With alpha 0 or width 0 nothing is stroked. Rectangles are moved right
+ *          and down by half the width, rounded down, whatever the alpha.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetStroke(SvgGenerator* generator, uint8_t alpha,
                                                  uint8_t red, uint8_t green, uint8_t blue,
@@ -221,7 +223,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndInvertPainting(SvgGenerator* generator
 /*
  * Inverts the area of a path. The arguments are those of SVG_DrawPath. Returns 0.
  *
- * The path goes into a mask in the definitions, and the document ends with a use of "#content"
+ * The path goes into a mask in the definitions, and the content ends with a use of "#content"
  * through that mask; no element of the document has that id, it is the consumer's to give. Mask
  * and use also appear in every later document of the same generator.
  */
@@ -283,7 +285,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, cons
  * types     `count` bytes, one a point: PT_MOVETO, PT_LINETO, PT_BEZIERTO, the last two with
  *           PT_CLOSEFIGURE added where the figure closes. Each figure starts with a move; curve
  *           points come in threes. Other values are tolerated: 1 closes the figure, the rest write
- *           nothing.
+ *           nothing, but what follows is measured from their points.
  * count     0 draws a path without data
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPath(SvgGenerator* generator, const POINT* points,
@@ -333,7 +335,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawText(SvgGenerator* generator, const S
  * that is still open when another begins, or when the page closes, ends there.
  *
  * Outlines are the same when their geometry text is. Lines, polylines, polygons and rectangles are
- * compared relative to the character's position, paths as they are given.
+ * compared relative to the character's position, paths as they are given. Rounded rectangles are
+ * compared without their corners.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginCharacterBlock(SvgGenerator* generator)
     QZSVGGEN_NOEXCEPT;
@@ -342,8 +345,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginCharacterBlock(SvgGenerator* generat
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndCharacterBlock(SvgGenerator* generator) QZSVGGEN_NOEXCEPT;
 
 /*
- * Starts a character of the open block at a position; the shapes drawn next are its outline.
- * Without an open block it does nothing. Returns 0.
+ * Starts a character of the open block at a position; the shapes drawn next are its outline. Shapes
+ * before a block's first character are ignored. Without an open block it does nothing. Returns 0.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginCharacter(SvgGenerator* generator,
                                                       const POINT* position) QZSVGGEN_NOEXCEPT;
@@ -356,8 +359,11 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndCharacter(SvgGenerator* generator) QZS
  * Without an open block it does nothing. Returns 0.
  *
  * reference    index of the earlier character in this block, counted from 0 over all characters;
- *              one that is out of range or was drawn with no outline adds nothing visible
+ *              one that is out of range, later, or without an outline of its own (a reference, too)
+ *              adds nothing visible
  * position     where this character stands
+ *
+ * Shapes drawn next are the character's outline after all; the reference is forgotten then.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(
     SvgGenerator* generator, uint32_t reference, const POINT* position) QZSVGGEN_NOEXCEPT;
@@ -367,16 +373,17 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(
 /*
  * Places a picture. Returns 0.
  *
- * format    SVG_IMAGE_PNG, SVG_IMAGE_JPEG or SVG_IMAGE_SVG. The bytes of an unknown format are not
- *           stored: its placement refers to nothing.
+ * format    SVG_IMAGE_PNG, SVG_IMAGE_JPEG or SVG_IMAGE_SVG. The bytes of any other format are not
+ *           stored: the placement shows the stored picture of the same bytes if there is one, else
+ *           the next one that is stored, else nothing.
  * bounds    where the picture stands and how large it is shown
  * data      `length` bytes: the picture's file; a length below 1 draws nothing
  * quality   compression quality, recorded as velumark:compressionQuality unless it is 100; ignored
  *           for SVG pictures
  *
  * The same bytes placed again are stored once. An SVG picture is UTF-8, or UTF-16 with or without a
- * byte-order mark; its root start tag must carry at least one attribute. A picture in which no root
- * element is found draws nothing.
+ * byte-order mark; white space must follow the "<svg" of its root element. A picture in which no
+ * such root element and its end are found draws nothing.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16_t format,
                                                  const RECT* bounds, const uint8_t* data,
@@ -387,7 +394,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16
  *
  * A region is made of rectangles and never changes: each call that alters the current region makes
  * a new one, which becomes current. Regions are numbered 0, 1, 2, ... on a page, in the order in
- * which they are made.
+ * which they are made. One under which nothing is drawn is not written.
  */
 
 /* Starts a region with one rectangle and makes it current; regions do not nest. Returns 0. */
@@ -426,6 +433,9 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCurrentClippingRegion(SvgGenerator* ge
  * Form fields, links and signature fields are groups: what is drawn until the End call belongs to
  * them. At most one group is open. One that begins while another is open follows it, it never
  * nests. The three End functions are one: each closes whatever group is open, or does nothing.
+ *
+ * A group is clipped as a whole, by the region that is current when it begins; regions that become
+ * current inside it do not clip its content.
  */
 
 /*

@@ -167,7 +167,8 @@ int32_t QZSVGGEN_CALL SVG_SetStroke(SvgGenerator* generator, uint8_t alpha, uint
 }
 
 int32_t QZSVGGEN_CALL SVG_ClearStroke(SvgGenerator* generator) noexcept {
-  return SVG_SetStroke(generator, 0, 0, 0, 0, 0);
+  return setPaint(generator,
+                  [](PaintState& paint, bool inverted) { paint.setStroke({}, 0, inverted); });
 }
 
 // ---- Inversion ----------------------------------------------------------------------------------
@@ -201,7 +202,9 @@ int32_t QZSVGGEN_CALL SVG_DrawLine(SvgGenerator* generator, const POINT* from,
 }
 
 int32_t QZSVGGEN_CALL SVG_DrawRectangle(SvgGenerator* generator, const RECT* rectangle) noexcept {
-  return SVG_DrawRoundedRectangle(generator, rectangle, 0, 0, 0);
+  return drawShape(generator, [=](const POINT& origin, int32_t halfStrokeWidth) {
+    return Rect{*rectangle, 0, 0, 0, halfStrokeWidth, origin};
+  });
 }
 
 int32_t QZSVGGEN_CALL SVG_DrawRoundedRectangle(SvgGenerator* generator, const RECT* rectangle,
