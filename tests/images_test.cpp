@@ -127,8 +127,9 @@ TEST(SvgPicture, TheRootsTagIsTakenApartAsText) {
 }
 
 TEST(SvgPicture, LengthsHaveUnitsAndAreSinglePrecision) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"10", "10.000000"}, {" 10px ", "10.000000"}, {"+5", "5.000000"}, {"-.5", "-0.500000"},
+  const std::string zeros(400, '0');
+  const std::pair<std::string, const char*> cases[] = {
+      {"0." + zeros + "1px", "0.000000"}, {"1e-2147483649px", "0.000000"}, {"10", "10.000000"}, {" 10px ", "10.000000"}, {"+5", "5.000000"}, {"-.5", "-0.500000"},
       {"-0", "-0.000000"}, {"2in", "192.000000"}, {"10cm", "377.952759"}, {"100mm", "377.952759"},
       {"12pt", "9.000000"}, {"1.1pc", "9.900001"}, {"100%", "2.000000"}, {"100 % ", "2.000000"},
       {"1 in", "96.000000"}, {"1e+2", "100.000000"}, {"1e2px", "100.000000"}, {"1e", "1.000000"},
@@ -136,11 +137,12 @@ TEST(SvgPicture, LengthsHaveUnitsAndAreSinglePrecision) {
       {"\t7", "7.000000"}, {"16777217", "16777216.000000"}, {"1e-99px", "0.000000"}};
   for (const auto& [length, size] : cases)
     EXPECT_EQ(page("<g  >X</g>", "0 0 "s + size + " 500.000000"),
-              drawn("<svg width='"s + length + "'>X</svg>")) << length;
+              drawn("<svg width='" + length + "'>X</svg>")) << length;
   EXPECT_EQ(page("<g  >X</g>", "0 0 500.000000 0.266667"), drawn("<svg height='10%'>X</svg>"));
-  for (const char* const length : {"1em", "1ex", "1ix", "1e5", "1e39px", "3.4028236e38px", "px",
-                                   "%", " ", "p", "inf", "nan", "+", ".e1px"})
-    EXPECT_EQ(page("<g  >X</g>"), drawn("<svg width='"s + length + "'>X</svg>")) << length;
+  for (const std::string& length :
+       {"1em"s, "1ex"s, "1ix"s, "1e5"s, "1e39px"s, "3.4028236e38px"s, "px"s, "%"s, " "s, "p"s,
+        "inf"s, "nan"s, "+"s, ".e1px"s, "1" + zeros + "e-10px", "1e+2147483648px"s})
+    EXPECT_EQ(page("<g  >X</g>"), drawn("<svg width='" + length + "'>X</svg>")) << length;
 }
 
 std::string utf16(std::u16string_view text, bool bigEndian = false) {

@@ -1,5 +1,6 @@
 #include "images/svg_root.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 #include <system_error>
@@ -98,6 +99,20 @@ std::string takeUnit(std::string& length) {
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
+// Tells whether a number that no float can hold is too small or too large: by the place of its
+// first digit and its exponent.
+bool isBelowOne(std::string_view number) {
+  const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
+  number.remove_prefix(std::min(mantissa.size() + 1, number.size()));
+  if (number.starts_with('+')) number.remove_prefix(1);
+  int32_t exponent = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), exponent);
+  if (error == std::errc::result_out_of_range) return number.front() == '-';
+  const size_t point = std::min(mantissa.find('.'), mantissa.size());
+  const size_t firstDigit = mantissa.find_first_of("123456789");
+  return static_cast<int64_t>(point) - static_cast<int64_t>(firstDigit) + exponent < 0;
+}
+
 // The longest leading number; what follows it is ignored. Too large is no number, too small is 0.
 std::optional<float> parseNumber(std::string_view text) {
   const size_t start = text.find_first_not_of(" \t\n\v\f\r");
@@ -111,13 +126,8 @@ std::optional<float> parseNumber(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc::invalid_argument) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    double wide = 1;  // stays above 0.5 when it is out of range as well and has no "e-"
-    std::from_chars(text.data(), text.data() + text.size(), wide);
-    const std::string_view number(text.data(), static_cast<size_t>(end - text.data()));
-    const bool isSmall =
-        wide < 0.5 || number.find("e-") != number.npos || number.find("E-") != number.npos;
-    if (!isSmall) return std::nullopt;
-    value = wide < 0.5 ? static_cast<float>(wide) : 0.0f;
+    if (!isBelowOne({text.data(), static_cast<size_t>(end - text.data())})) return std::nullopt;
+    value = 0;
   }
   return negative ? -value : value;
 }
