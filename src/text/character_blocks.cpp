@@ -1,5 +1,6 @@
 #include "text/character_blocks.h"
 
+#include "markup/growth.h"
 #include "markup/wrapping.h"
 
 namespace qz {
@@ -61,6 +62,7 @@ void CharacterBlocks::writeEnd(MarkupText& out) const {
 
 void CharacterBlocks::beginCharacter(PageContent& content, const POINT& position,
                                      int32_t reference) {
+  reserveMore(firstGlyphs_, 1);
   if (hasCharacter()) finishCharacter(content);
   firstGlyphs_.push_back(kNoGlyph);
   position_ = position;
