@@ -7,9 +7,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <iterator>
+#include <sstream>
 
 #include "document_check.h"
 #include "recording.h"
@@ -17,77 +16,29 @@
 namespace {
 
 using qz::test::Document;
+using Units = std::u16string;
 
 bool printing = false;
 
-[[noreturn]] void fail(const std::string& what) {
-  std::fprintf(stderr, "does not hold: %s\n", what.c_str());
+void require(bool holds, const std::string& rule) {
+  if (holds) return;
+  std::fprintf(stderr, "does not hold: %s\n", rule.c_str());
   std::abort();
 }
-void require(bool holds, const char* rule) {
-  if (!holds) fail(rule);
-}
 
-// The arguments of each function, one letter each; see Writer::argument.
-struct Function {
-  const char* name;
-  const char* arguments;
-};
-constexpr Function kFunctions[] = {
-    {"SVG_GetVersion", ""},
-    {"SVG_SetFill", "bbbb"},
-    {"SVG_SetStroke", "bbbbu"},
-    {"SVG_ClearStroke", ""},
-    {"SVG_BeginInvertPainting", ""},
-    {"SVG_EndInvertPainting", ""},
-    {"SVG_InvertPath", "LY"},
-    {"SVG_InvertRectangle", "R"},
-    {"SVG_DrawLine", "PP"},
-    {"SVG_DrawRectangle", "R"},
-    {"SVG_DrawRoundedRectangle", "Ruub"},
-    {"SVG_DrawPolyline", "L"},
-    {"SVG_DrawPolygon", "L"},
-    {"SVG_DrawPath", "LY"},
-    {"SVG_SetFont", "Tibb"},
-    {"SVG_ClearFont", ""},
-    {"SVG_DrawText", "TPAu"},
-    {"SVG_BeginCharacterBlock", ""},
-    {"SVG_EndCharacterBlock", ""},
-    {"SVG_BeginCharacter", "P"},
-    {"SVG_EndCharacter", ""},
-    {"SVG_SetCharacterReference", "uP"},
-    {"SVG_DrawImage", "FRDb"},
-    {"SVG_BeginClippingRegion", "R"},
-    {"SVG_AddClippingRegion", "R"},
-    {"SVG_ExcludeClippingRegion", "R"},
-    {"SVG_EndClippingRegion", ""},
-    {"SVG_GetCurrentClippingRegion", ""},
-    {"SVG_SetCurrentClippingRegion", "u"},
-    {"SVG_BeginFormField", "KbbRTO"},
-    {"SVG_EndFormField", ""},
-    {"SVG_BeginLink", "kT"},
-    {"SVG_EndLink", ""},
-    {"SVG_SetDocumentTarget", "PT"},
-    {"SVG_BeginSignatureField", "RTO"},
-    {"SVG_EndSignatureField", ""},
-};
-
-using Units = std::u16string;
-
-const Units kWellFormedTexts[] = {{u'\0'},
-                                  u"a",
-                                  u"bc ",
-                                  u"\t",
-                                  u"\"",
-                                  u"&",
-                                  u"'",
-                                  u"<",
-                                  u"]]>",
-                                  u"\u00e9",
-                                  u"\u4e2d",
-                                  u"\U0001f3f6",
-                                  Units(500, u'x'),
-                                  Units(1023, u'\u00ff') + u"\u0100"};
+// The functions and their arguments, one letter each; see Writer::argument.
+const std::vector<std::string> kFunctions = [] {
+  std::istringstream words(
+      "GetVersion: SetFill:bbbb SetStroke:bbbbu ClearStroke: BeginInvertPainting: "
+      "EndInvertPainting: InvertPath:LY InvertRectangle:R DrawLine:PP DrawRectangle:R "
+      "DrawRoundedRectangle:Ruub DrawPolyline:L DrawPolygon:L DrawPath:LY SetFont:Tibb ClearFont: "
+      "DrawText:TPAu BeginCharacterBlock: EndCharacterBlock: BeginCharacter:P EndCharacter: "
+      "SetCharacterReference:uP DrawImage:FRDb BeginClippingRegion:R AddClippingRegion:R "
+      "ExcludeClippingRegion:R EndClippingRegion: GetCurrentClippingRegion: "
+      "SetCurrentClippingRegion:u BeginFormField:KbbRTO EndFormField: BeginLink:kT EndLink: "
+      "SetDocumentTarget:PT BeginSignatureField:RTO EndSignatureField:");
+  return std::vector<std::string>(std::istream_iterator<std::string>(words), {});
+}();
 
 std::string base64(std::string_view bytes) {
   constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -102,25 +53,22 @@ std::string base64(std::string_view bytes) {
   return text;
 }
 
-std::string_view bytesOf(const Units& units) {
-  return {reinterpret_cast<const char*>(units.data()), 2 * units.size()};
-}
-
 // Writes the lines of recordings.
 class Writer {
  public:
   Writer(FuzzedDataProvider& input, bool wellFormed) : input_(input), wellFormed_(wellFormed) {}
 
   // Repeats are frequent, since the library knows again what it has seen; closes are rare, since
-  // whatever follows them is not drawn.
+  // what follows them is not drawn.
   std::string line(const std::vector<std::string>& before) {
     const auto choice = input_.ConsumeIntegral<uint8_t>();
     if (choice == 255) return "[\"SVG_Close\"]";
-    if (choice >= 6 * std::size(kFunctions) && before.size() > 1)
-      return before[input_.ConsumeIntegralInRange<size_t>(1, before.size() - 1)];
-    const Function& function = kFunctions[choice % std::size(kFunctions)];
-    std::string line = std::string("[\"") + function.name + '"';
-    for (const char* kind = function.arguments; *kind != 0; ++kind) line += "," + argument(*kind);
+    if (choice >= 6 * kFunctions.size() && before.size() > 1)
+      return before[1 + below(before.size() - 1)];
+    const std::string& function = kFunctions[choice % kFunctions.size()];
+    const size_t colon = function.find(':');
+    std::string line = "[\"SVG_" + function.substr(0, colon) + '"';
+    for (const char kind : function.substr(colon + 1)) line += "," + argument(kind);
     return line + "]";
   }
 
@@ -128,37 +76,36 @@ class Writer {
   bool usedUnknownFormat() const { return usedUnknownFormat_; }
 
  private:
+  size_t below(size_t limit) { return input_.ConsumeIntegralInRange<size_t>(0, limit - 1); }
+
   std::string argument(char kind) {
     switch (kind) {
       case 'b':
         return std::to_string(input_.ConsumeIntegral<uint8_t>());
       case 'i':
-        return coordinates(1);
+        return std::to_string(coordinate());
       case 'u':
         return std::to_string(static_cast<uint32_t>(coordinate()));
-      case 'P':
-        return "[" + coordinates(2) + "]";
-      case 'R':
-        return "[" + coordinates(4) + "]";
-      case 'L':
-        count_ = length();
-        return list([this] { return argument('P'); });
-      case 'Y':  // mostly the types that have a meaning
-        return list([this] {
-          return std::to_string("\6\2\3\4\4\4\5\1\0\7\177"[input_.ConsumeIntegralInRange(0, 10)]);
-        });
-      case 'A':
-        return input_.ConsumeBool() ? "null" : list([this] { return coordinates(1); });
-      case 'T':
-        return data(bytesOf(text()), 2);
-      case 'O': {  // a date's number, then text
-        const Units units = u"1234" + text();
-        return data(bytesOf(units), 1);
-      }
-      case 'K':
-        return std::to_string(input_.ConsumeIntegralInRange(13, 18));
       case 'k':
-        return std::to_string(input_.ConsumeIntegralInRange(0, 3));
+        return std::to_string(below(4));
+      case 'K':  // field types, and one on each side
+        return std::to_string(13 + below(6));
+      case 'P':
+        return list(2, 'i');
+      case 'R':
+        return list(4, 'i');
+      case 'L':
+        return list(count_ = length(), 'P');
+      case 'Y':
+        return list(count_, 'y');
+      case 'y':  // mostly types that have a meaning
+        return std::to_string("\6\2\3\4\4\4\5\1\0\7\177"[below(11)]);
+      case 'A':
+        return input_.ConsumeBool() ? "null" : list(count_, 'i');
+      case 'T':
+        return data(text(), 2);
+      case 'O':  // a date's number, then text
+        return data(u"1234" + text(), 1);
       case 'F':
         format_ = input_.PickValueInArray({4, 5, 8, 8, 0});
         usedUnknownFormat_ |= format_ == 0;
@@ -170,61 +117,56 @@ class Writer {
   }
 
   int32_t coordinate() {
-    constexpr int32_t kSmallest = INT32_MIN, kLargest = INT32_MAX;
     const auto small = input_.ConsumeIntegral<int8_t>();
     if (small < 110) return small;
-    return small < 120
-               ? input_.ConsumeIntegral<int32_t>()
-               : input_.PickValueInArray({kSmallest, kSmallest + 1, kLargest - 1, kLargest});
-  }
-
-  std::string coordinates(int count) {
-    std::string text = std::to_string(coordinate());
-    while (--count > 0) text += "," + std::to_string(coordinate());
-    return text;
+    if (small < 120) return input_.ConsumeIntegral<int32_t>();
+    return input_.PickValueInArray({INT32_MIN, INT32_MIN + 1, INT32_MAX - 1, INT32_MAX});
   }
 
   // Lists and texts are short, or long enough to be written in several steps.
   size_t length() {
-    const auto length = input_.ConsumeIntegral<uint8_t>();
-    return length < 250 ? length % 10 : 60u + 2 * (length - 250);
+    const size_t length = below(256);
+    return length < 250 ? length % 10 : 60 + 2 * (length - 250);
   }
 
-  template <class Item>
-  std::string list(Item item) {
+  std::string list(size_t count, char kind) {
     std::string text = "[";
-    for (size_t i = 0; i < count_; ++i) text += (i == 0 ? "" : ",") + item();
+    for (size_t i = 0; i < count; ++i) text += (i == 0 ? "" : ",") + argument(kind);
     return text + "]";
+  }
+
+  // What XML allows once it is escaped, at times very much of it.
+  Units wellFormedPiece() {
+    constexpr char16_t kUnits[] = u"\0\tab \"&'<]>\u00e9\u00ff\u4e2d";
+    const size_t choice = below(16);
+    if (choice == 15) return u"\U0001f3f6";
+    return Units(below(20) == 19 ? 1023 : 1, kUnits[choice]);
   }
 
   Units text() {
     Units units;
-    for (size_t i = length(); i > 0; --i) {
-      if (wellFormed_)
-        units += kWellFormedTexts[input_.ConsumeIntegralInRange<size_t>(
-            0, std::size(kWellFormedTexts) - 1)];
-      else
-        units += static_cast<char16_t>(input_.ConsumeIntegral<uint16_t>());
-    }
+    for (size_t i = length(); i > 0; --i)
+      units += wellFormed_ ? wellFormedPiece() : Units(1, input_.ConsumeIntegral<uint16_t>());
     count_ = units.size();
     return units;
   }
 
   std::string picture() {
     if (!wellFormed_ || format_ != 8) return input_.ConsumeRandomLengthString(300);
-    const std::string number = std::to_string(input_.ConsumeIntegralInRange(0, 9));
     return input_.PickValueInArray({"<svg  width='10%' height=\"2in\" fill='red'><g>",
                                     "\xEF\xBB\xBF<svg viewBox='0 0 1 1'><g>\xC3\xA9"}) +
-           number + "</g></svg>";
+           std::to_string(below(9)) + "</g></svg>";
   }
 
   // At times with a count of its own, which is lower than the data's.
   std::string data(std::string_view bytes, size_t unit) {
     std::string result = "{\"base64\":\"" + base64(bytes) + "\"";
-    if (!wellFormed_ && input_.ConsumeIntegralInRange(0, 15) == 15)
-      result += ",\"count\":" + std::to_string(input_.ConsumeIntegralInRange<int64_t>(
-                                    0, static_cast<int64_t>(bytes.size() / unit)));
+    if (!wellFormed_ && below(16) == 15)
+      result += ",\"count\":" + std::to_string(below(bytes.size() / unit + 1));
     return result + "}";
+  }
+  std::string data(const Units& units, size_t unit) {
+    return data({reinterpret_cast<const char*>(units.data()), 2 * units.size()}, unit);
   }
 
   FuzzedDataProvider& input_;
@@ -234,69 +176,56 @@ class Writer {
   bool usedUnknownFormat_ = false;
 };
 
-struct Sequence {
-  qz::Recording recording{"no directory"};
+class Sequence {
+ public:
+  void append(const std::string& line) {
+    isClosed_ |= line == "[\"SVG_Close\"]";
+    lines.push_back(line);
+    recording_.append(line);
+  }
+
+  struct Playing {
+    std::unique_ptr<SvgGenerator, decltype(&SVG_Delete)> generator;
+    size_t done = 0;
+  };
+  Playing begin() const { return {{SVG_Create(recording_.page()), SVG_Delete}}; }
+  void step(Playing& playing) const { recording_.calls()[playing.done++](playing.generator.get()); }
+
+  Document playAlone() const {
+    Playing playing = begin();
+    while (playing.done < recording_.calls().size()) step(playing);
+    return close(playing);
+  }
+
+  // The whole close protocol.
+  Document close(const Playing& playing) const {
+    SvgGenerator* const generator = playing.generator.get();
+    if (!isClosed_) require(takes(generator, 1), "before the first close, a document is empty");
+    const int32_t size = SVG_Close(generator, nullptr, 0);
+    require(size > 1, "there is a document");
+    require(!takes(generator, size - 1) && !takes(generator, size + 1), "a wrong size is refused");
+    Document document(static_cast<size_t>(size), u'~');
+    require(SVG_Close(generator, document.data(), size) == 0, "a close returns 0");
+    require(document.find(u'\0') == document.size() - 1, "the only zero is the last unit");
+    document.pop_back();
+    require(takes(generator, 1), "a document that was handed over is empty");
+    require(SVG_GetCurrentClippingRegion(generator) == -1, "a closed page has no region");
+    require(SVG_SetCurrentClippingRegion(generator, 0) == 1, "a closed page has no region 0");
+    return document;
+  }
+
   std::vector<std::string> lines;
 
-  void append(const std::string& line) {
-    lines.push_back(line);
-    recording.append(line);
+ private:
+  static bool takes(SvgGenerator* generator, int32_t size) {
+    Document buffer(static_cast<size_t>(size), u'~');
+    SVG_Close(generator, buffer.data(), size);
+    return buffer != Document(buffer.size(), u'~');
   }
+
+  qz::Recording recording_{"no directory"};
+  bool isClosed_ = false;
 };
-
-using Generator = std::unique_ptr<SvgGenerator, decltype(&SVG_Delete)>;
-Generator create(const Sequence& sequence) {
-  return {SVG_Create(sequence.recording.page()), SVG_Delete};
-}
-
-// A close with a buffer that is not the right one: nothing is written.
-void closeWrongly(SvgGenerator* generator, int32_t size) {
-  std::vector<SVG_Char> buffer(static_cast<size_t>(size), u'~');
-  require(SVG_Close(generator, buffer.data(), size) == 0, "a close with a buffer returns 0");
-  require(buffer == std::vector<SVG_Char>(static_cast<size_t>(size), u'~'),
-          "a wrong size writes nothing");
-}
-
-void closeEmpty(SvgGenerator* generator) {
-  SVG_Char unit = u'~';
-  SVG_Close(generator, &unit, 1);
-  require(unit == 0, "an empty document is a zero");
-}
-
-// The whole close protocol.
-Document close(const Generator& generator, bool isClosed) {
-  if (!isClosed) closeEmpty(generator.get());
-  const int32_t size = SVG_Close(generator.get(), nullptr, 0);
-  require(size > 1, "there is a document");
-  closeWrongly(generator.get(), size - 1);
-  closeWrongly(generator.get(), size + 1);
-  Document document(static_cast<size_t>(size), u'~');
-  require(SVG_Close(generator.get(), document.data(), size) == 0, "a close returns 0");
-  require(document.find(u'\0') == document.size() - 1, "the only zero is the last unit");
-  document.pop_back();
-  closeEmpty(generator.get());
-  require(SVG_GetCurrentClippingRegion(generator.get()) == -1, "a closed page has no region");
-  require(SVG_SetCurrentClippingRegion(generator.get(), 0) == 1, "a closed page has no region 0");
-  return document;
-}
-
-bool hasClose(const Sequence& sequence) {
-  for (const std::string& line : sequence.lines)
-    if (line == "[\"SVG_Close\"]") return true;
-  return false;
-}
-
-Document playAlone(const Sequence& sequence) {
-  const Generator generator = create(sequence);
-  for (const auto& call : sequence.recording.calls()) call(generator.get());
-  return close(generator, hasClose(sequence));
-}
-
-void print(const Sequence& sequence) {
-  for (const std::string& line : sequence.lines) std::puts(line.c_str());
-  std::puts("");
-  std::fflush(stdout);
-}
 
 }  // namespace
 
@@ -310,25 +239,24 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   const bool wellFormed = input.ConsumeBool();
   Writer writer(input, wellFormed);
   Sequence sequences[2];
-  std::vector<int> turns;
+  std::vector<bool> turns;
   for (Sequence& sequence : sequences) sequence.append("[\"SVG_Create\",[0,0,210,297]]");
   while (input.remaining_bytes() > 0) {
     turns.push_back(input.ConsumeIntegralInRange(0, 3) == 3);
-    Sequence& sequence = sequences[turns.back()];
-    sequence.append(writer.line(sequence.lines));
+    sequences[turns.back()].append(writer.line(sequences[turns.back()].lines));
   }
-  if (printing)
-    for (const Sequence& sequence : sequences) print(sequence);
+  for (const Sequence& sequence : sequences)
+    for (const std::string& line : sequence.lines)
+      if (printing) std::puts(line.c_str());
 
-  const Generator inTurn[] = {create(sequences[0]), create(sequences[1])};
-  size_t done[] = {0, 0};
-  for (const int turn : turns) sequences[turn].recording.calls()[done[turn]++](inTurn[turn].get());
+  Sequence::Playing playing[] = {sequences[0].begin(), sequences[1].begin()};
+  for (const bool turn : turns) sequences[turn].step(playing[turn]);
   for (int i = 0; i < 2; ++i) {
-    const Document document = close(inTurn[i], hasClose(sequences[i]));
-    require(document == playAlone(sequences[i]), "the same calls give the same document");
+    const Document document = sequences[i].close(playing[i]);
+    require(document == sequences[i].playAlone(), "the same calls give the same document");
     if (!wellFormed) continue;
     const std::string fault = qz::test::documentFault(document, writer.usedUnknownFormat());
-    if (!fault.empty()) fail(fault + "\n" + qz::test::readable(document));
+    require(fault.empty(), fault);
   }
   return 0;
 }
