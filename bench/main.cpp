@@ -41,23 +41,27 @@ size_t writePage(const Workload& workload, int count, char16_t* out) {
   return static_cast<size_t>(writer.end() - out);
 }
 
-std::string excerpt(std::u16string_view text, size_t position) {
-  std::string result;
-  for (const char16_t unit : text.substr(std::min(position, text.size()), 60))
-    result += unit < 128 ? static_cast<char>(unit) : '?';
-  return result;
+template <class... Values>
+std::string format(const char* pattern, Values... values) {
+  char text[512];
+  snprintf(text, sizeof text, pattern, values...);
+  return text;
 }
 
 // A figure is worth nothing if the two do not write the same.
 void requireSameText(std::u16string_view library, std::u16string_view floor) {
   if (library == floor) return;
-  const auto [a, b] = std::mismatch(library.begin(), library.end(), floor.begin(), floor.end());
-  const auto place = static_cast<size_t>(a - library.begin());
-  const size_t from = place < 30 ? 0 : place - 30;
-  throw std::runtime_error("the texts differ at unit " + std::to_string(place) + "\n  library (" +
-                           std::to_string(library.size()) + "): " + excerpt(library, from) +
-                           "\n  floor   (" + std::to_string(floor.size()) +
-                           "): " + excerpt(floor, from));
+  const auto place = static_cast<size_t>(
+      std::mismatch(library.begin(), library.end(), floor.begin(), floor.end()).first -
+      library.begin());
+  const auto excerpt = [start = place < 30 ? 0 : place - 30](std::u16string_view text) {
+    std::string result;
+    for (size_t i = start; i < std::min(start + 60, text.size()); ++i)
+      result += text[i] < 128 ? static_cast<char>(text[i]) : '?';
+    return result;
+  };
+  throw std::runtime_error(format("the texts differ at unit %zu\n  library: %s\n  floor:   %s",
+                                  place, excerpt(library).c_str(), excerpt(floor).c_str()));
 }
 
 // ---- Timing -------------------------------------------------------------------------------------
@@ -135,10 +139,12 @@ Row measureRow(const Workload& workload, int count, const Peers& peers) {
   const double elements = count + workload.furtherElements;
   row.values[kNanoseconds] = 1e9 * seconds["library"] / elements;
   row.values[kFloorNanoseconds] = 1e9 * seconds["floor"] / elements;
-  row.values[kToFloor] = seconds["library"] / seconds["floor"];
-  row.values[kToFresh] = seconds["library"] / seconds["fresh"];
-  for (const auto& [metric, peer] : peers)
-    row.values[metric] = seconds[peer->version()] / seconds["library"];
+  const auto ratio = [&seconds](const std::string& subject, const std::string& to) {
+    return seconds.contains(subject) && seconds.contains(to) ? seconds[subject] / seconds[to] : 0;
+  };
+  row.values[kToFloor] = ratio("library", "floor");
+  row.values[kToFresh] = ratio("library", "fresh");
+  for (const auto& [metric, peer] : peers) row.values[metric] = ratio(peer->version(), "library");
 
   PageData::get().turnTo(0);
   HeapPeak heap;
@@ -165,18 +171,6 @@ constexpr Column kColumns[kMetrics] = {
     {"growth", "growth", 2, false},
 };
 
-std::string number(double value, int decimals) {
-  char text[32];
-  snprintf(text, sizeof text, "%.*f", decimals, value);
-  return text;
-}
-
-std::string shortNumber(double value) {
-  char text[32];
-  snprintf(text, sizeof text, "%g", value);
-  return text;
-}
-
 // "reach" with the aim in parentheses, and whether it holds or what does not.
 std::pair<std::string, std::string> judge(const Row& row) {
   std::string targets, missed;
@@ -185,8 +179,8 @@ std::pair<std::string, std::string> judge(const Row& row) {
     const double value = row.values[target.metric];
     if (target.count != row.count || value == 0) continue;
     targets += targets.empty() ? "" : ", ";
-    targets += shortNumber(target.reach) + " " + column.unit;
-    if (target.aim != 0) targets += " (" + shortNumber(target.aim) + ")";
+    targets += format("%g %s", target.reach, column.unit);
+    if (target.aim != 0) targets += format(" (%g)", target.aim);
     if (column.atLeast ? value < target.reach : value > target.reach)
       missed += std::string(" ") + column.unit;
   }
@@ -204,13 +198,13 @@ void printHeader() {
 }
 
 void printRow(const Row& row) {
-  char start[64];
-  snprintf(start, sizeof start, "| %-8s | %7d |", row.workload->name.c_str(), row.count);
-  std::cout << start;
+  std::cout << format("| %-8s | %7d |", row.workload->name.c_str(), row.count);
   for (int i = 0; i < kMetrics; ++i) {
-    const std::string text = row.values[i] == 0 ? "" : number(row.values[i], kColumns[i].decimals);
-    const size_t width = std::char_traits<char>::length(kColumns[i].title);
-    std::cout << ' ' << std::string(width - std::min(width, text.size()), ' ') << text << " |";
+    const Column& column = kColumns[i];
+    const std::string text =
+        row.values[i] == 0 ? "" : format("%.*f", column.decimals, row.values[i]);
+    const auto width = static_cast<int>(std::char_traits<char>::length(column.title));
+    std::cout << format(" %*s |", width, text.c_str());
   }
   const auto [targets, verdict] = judge(row);
   std::cout << ' ' << targets << " | " << verdict << " |" << std::endl;
@@ -305,8 +299,8 @@ int run(std::vector<std::string> arguments) {
           row.values[kGrowth] = row.values[kNanoseconds] / first;
         printRow(row);
       } catch (const std::exception& error) {
-        throw std::runtime_error("workload " + workload.name + " of " + std::to_string(elements) +
-                                 ": " + error.what());
+        throw std::runtime_error(format("workload %s of %d: ", workload.name.c_str(), elements) +
+                                 error.what());
       }
     }
   }
