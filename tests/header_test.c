@@ -1,4 +1,4 @@
-/* The header as a C11 host sees it: first of all, or after windows.h (WINDOWS_FIRST), twice, with
+/* The header as a C11 host sees it: first of all, or after windows.h (WINDOWS_FIRST), with
  * the macros that windows.h defines. header_test.cpp is the same for C++17. */
 #if defined(WINDOWS_FIRST)
 #include <windows.h>
@@ -6,7 +6,6 @@
 #define min(a, b) ((a) < (b) ? (a) : (b))
 #define max(a, b) ((a) > (b) ? (a) : (b))
 #endif
-#include <qzsvggen/qzsvggen.h>
 #include <qzsvggen/qzsvggen.h>
 #if defined(_WIN32)
 #include <windows.h>

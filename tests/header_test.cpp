@@ -1,13 +1,20 @@
-// The header as a C++17 host sees it, see header_test.c.
+// The headers as a C++17 host sees them, see header_test.c.
 #if defined(WINDOWS_FIRST)
 #include <windows.h>
 #endif
+// The standard library's own headers stand the macros only where its maker has seen to it.
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
 #undef min
 #undef max
 #define min(a, b) ((a) < (b) ? (a) : (b))
 #define max(a, b) ((a) > (b) ? (a) : (b))
+
 #include <qzsvggen/qzsvggen.h>
-#include <qzsvggen/qzsvggen.h>
+
+#include <qzsvggen/qzsvggen.hpp>
 #if defined(_WIN32)
 #include <windows.h>
 #endif
