@@ -23,10 +23,11 @@ TEST(Clip, RectanglesBecomeOnePath) {
       {"added ones are not merged", {0, 0, 10, 5}, {{2, 1, 4, 3}}, {},
        "M0 0h10v5h-10zM2 1h2v2h-2z", kEvenOdd},
       {"a cut is the part inside each kept rectangle",
-       {0, 0, 20, 20}, {{30, 0, 50, 20}}, {{10, 10, 40, 15}, {15, -5, 16, 99}},
-       "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v5h-10zM15 0h1v20h-1zM30 10h10v5h-10z", kEvenOdd},
+       {0, 0, 20, 20}, {{30, 0, 50, 20}}, {{10, 10, 40, 11}, {15, -5, 16, 99}},
+       "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v1h-10zM15 0h1v20h-1zM30 10h10v1h-10z", kEvenOdd},
       {"a cut that touches from outside, or is empty, adds nothing",
-       {0, 0, 20, 20}, {}, {{20, 0, 30, 20}, {5, 5, 5, 9}, {5, 9, 9, 9}, {9, 4, 5, 9}},
+       {0, 0, 20, 20}, {}, {{20, 0, 30, 20}, {-9, 0, 0, 20}, {0, -9, 20, 0}, {0, 20, 20, 29},
+        {5, 5, 5, 9}, {5, 9, 9, 9}, {9, 4, 5, 9}},
        "M0 0h20v20h-20z"},
       {"a cut around an earlier one replaces it",
        {0, 0, 100, 100}, {}, {{10, 10, 20, 20}, {5, 5, 20, 30}},
@@ -65,15 +66,21 @@ TEST(Clip, NumbersSelectRegionsAgain) {
   EXPECT_EQ(0, SVG_SetCurrentClippingRegion(page.line().generator, 1));
   page.line()(SVG_EndClippingRegion).line();
   EXPECT_EQ(0, SVG_SetCurrentClippingRegion(generator, 0));
-  for (const uint32_t unknown : {2u, 0x80000000u, 0xFFFFFFFFu})
+  page(SVG_AddClippingRegion, box({0, 0, 1, 1})).line();
+  EXPECT_EQ(0, SVG_SetCurrentClippingRegion(generator, 1));
+  page(SVG_AddClippingRegion, box({0, 0, 1, 1})).line();
+  EXPECT_EQ(0, SVG_SetCurrentClippingRegion(generator, 1));
+  for (const uint32_t unknown : {4u, 0x80000000u, 0xFFFFFFFFu})
     EXPECT_EQ(1, SVG_SetCurrentClippingRegion(generator, unknown));
-  page.line()(SVG_AddClippingRegion, box({0, 0, 1, 1})).line();  // to the one selected
-  EXPECT_EQ(2, SVG_GetCurrentClippingRegion(generator));
+  page(SVG_ExcludeClippingRegion, box({40, 40, 50, 50})).line();
+  EXPECT_EQ(4, SVG_GetCurrentClippingRegion(generator));
+  const std::string base = "M10 20h100v50h-100z";
   EXPECT_EQ(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
-                            clipped(0, kLine) + clipped(2, kLine)),
-                     markup(region(0, "M10 20h100v50h-100z") +
-                            region(1, "M10 20h100v50h-100zM20 20h10v10h-10z", kEvenOdd) +
-                            region(2, "M10 20h100v50h-100zM0 0h1v1h-1z", kEvenOdd))),
+                            clipped(2, kLine) + clipped(3, kLine) + clipped(4, kLine)),
+                     markup(region(1, base + "M20 20h10v10h-10z", kEvenOdd) +
+                            region(2, base + "M0 0h1v1h-1z", kEvenOdd) +
+                            region(3, base + "M0 0h1v1h-1zM20 20h10v10h-10z", kEvenOdd) +
+                            region(4, base + "M20 20h10v10h-10zM40 40h10v10h-10z", kEvenOdd))),
             page.close());
 }
 

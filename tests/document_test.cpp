@@ -35,18 +35,21 @@ TEST(Document, DefinitionsStandInAFixedOrder) {
 }
 
 TEST(Document, LargePiecesAreWhole) {
-  std::string data, written, file, base64;
+  const std::string least = "-2147483648";  // the widest number
+  std::string data = "l", positions, written, file, base64;
   std::u16string text;
   std::vector<TypedPoint> path;
-  for (int i = 1; i <= 100000; ++i) {
-    path.push_back({2, {i, 0}});
-    data += " 1 0", file += "abc", base64 += "YWJj", text += u"&\u4e2d", written += "&amp;\\u4e2d";
+  for (int i = 0; i < 100003; ++i) {
+    path.push_back({2, i % 2 ? POINT{0, 0} : POINT{kLeast, kLeast}});
+    data += least + least, positions += least, written += "&amp;\\u4e2d", base64 += "YWJj";
+    text += u"&\u4e2d", file += "abc";
   }
-  data[0] = 'l';
   Page page;
-  page.path(path).text(text).image(4, {0, 0, 1, 1}, file + "a");
-  EXPECT_TRUE(markup(document("<path d='" + data + "'/><text x='1' y='2' xml:space='preserve'>" +
-      written + "</text><use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>",
+  page.path(path).text(text, {kLeast, 0}, std::vector<int32_t>(text.size()));
+  page.image(4, {0, 0, 1, 1}, file + "a");
+  EXPECT_TRUE(markup(document("<path d='" + data + "'/><text x='" + positions + positions +
+      "' y='0' xml:space='preserve'>" + written +
+      "</text><use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>",
       "<symbol id='QZ_I0' viewBox='0 0 1 1'><image width='1' height='1' xlink:href='data:image/png;"
       "base64," + base64 + "YQ=='/></symbol>")) == page.close());
 }

@@ -68,10 +68,11 @@ TEST(Shapes, MarkupOfEachKind) {
       {"a line, with what was set when it was drawn",
        [](Page& page) {
          page.line()(SVG_SetStroke, 255, 1, 2, 3, 4)(SVG_SetFill, 0, 0, 0, 0);
-         page(SVG_DrawLine, at({-10, 20}), at({30, -40}))(SVG_ClearStroke).line();
+         page(SVG_DrawLine, at({-10, 20}), at({30, -40}))(SVG_ClearStroke);
+         page(SVG_DrawRectangle, box({1, 2, 4, 6}));
        },
        kLine + "<line fill='none' stroke='rgb(1,2,3)' stroke-width='4' x1='-10' y1='20' x2='30' "
-       "y2='-40'/><line fill='none' x1='1' y1='2' x2='3' y2='4'/>"},
+       "y2='-40'/><path fill='none' d='M1 2h3v4h-3z'/>"},
       {"point lists have a blank between pairs whatever their sign",
        [](Page& page) { page.polyline({{0, 0}, {10, -5}, {-20, 5}, {-3, -4}}); },
        "<polyline points='0 0 10-5 -20 5 -3-4'/>"},

@@ -11,6 +11,7 @@ TEST(Text, EveryUnitBelongsToTheRun) {
       {{u"\0\0", 2}, "\t"},
       {{u"\0", 1}, ""},
       {u"\u00e9\u4e2d\U0001F600", "\\u00e9\\u4e2d\\ud83d\\ude00"},
+      {u"\u0100", "\\u0100"},
       {{0xDC00, 1, 0x7F, 0xFFFF, 0xD800}, "\\udc00\\u0001\\u007f\\uffff\\ud800"},
   };
   for (const auto& [text, written] : cases)
@@ -29,9 +30,9 @@ TEST(Text, PositionsAndScaling) {
        "<text x='1' y='2' xml:space='preserve'>a</text>"},
       {"a position for every unit, the dropped ones too, a negative one without a blank",
        [](Page& page) {
-         page.text(u"abcd", {10, -5}, {7, -20, 7, 99}).text({u"&\0", 2}, {-5, 0}, {3, 4});
+         page.text(u"abcd", {10, -5}, {7, -20, 3, 99}).text({u"&\0", 2}, {-5, 0}, {3, 4});
        },
-       "<text x='10 17-3 4' y='-5' xml:space='preserve'>abcd</text>"
+       "<text x='10 17-3 0' y='-5' xml:space='preserve'>abcd</text>"
        "<text x='-5-2' y='0' xml:space='preserve'>&amp;</text>"},
       {"positions wrap", [](Page& page) { page.text(u"ab", {kMost, 0}, {1, -1}, 200); },
        "<text x='2147483647-2147483648' y='0' textLength='0' lengthAdjust='spacingAndGlyphs' "
@@ -119,16 +120,18 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
          character(page, {50, 20}).polyline({{51, 22}});
          character(page, {60, 20}).path({{6, {60, 20}}, {2, {61, 20}}});
          character(page, {70, 20}).path({{6, {60, 20}}, {2, {61, 20}}});
-         character(page, {80, 20}).path({{6, {0, 0}}, {2, {1, 0}}});
+         character(page, {75, 20}).path({{6, {60, 20}}, {2, {61, 20}}, {0, {1, 2}}});
+         character(page, {80, 20}).path({{6, {60, 20}}, {3, {61, 20}}});
          character(page, {9, 9})(SVG_DrawRoundedRectangle, box({9, 9, 19, 19}), 4, 2, 1);
          square(character(page, {8, 8}), {8, 8}, 10);
        },
        "<g><line id='QZ_0_0' x1='1' y1='2' x2='0' y2='-1'/>"
        "<polyline id='QZ_0_1' points='0 0 1-5'/><polygon id='QZ_0_2' points='1 2'/>"
        "<use xlink:href='#QZ_0_2' x='10'/><path id='QZ_0_4' d='M60 20l1 0'/>"
-       "<use xlink:href='#QZ_0_4' x='10'/><path id='QZ_0_6' d='M0 0l1 0'/>"
-       "<path id='QZ_0_7' transform='translate(9 9)' d='M2 0h6a2 1 0 0 1 2-1v8a2 1 0 0 1 2 1"
-       "h-6a2 1 0 0 1 -2 1v-8a2 1 0 0 1 -2-1z'/><use xlink:href='#QZ_0_7' x='-1' y='-1'/></g>"},
+       "<use xlink:href='#QZ_0_4' x='10'/><use xlink:href='#QZ_0_4' x='15'/>"
+       "<path id='QZ_0_7' d='M60 20l1 0z'/>"
+       "<path id='QZ_0_8' transform='translate(9 9)' d='M2 0h6a2 1 0 0 1 2-1v8a2 1 0 0 1 2 1"
+       "h-6a2 1 0 0 1 -2 1v-8a2 1 0 0 1 -2-1z'/><use xlink:href='#QZ_0_8' x='-1' y='-1'/></g>"},
       {"across blocks; an abandoned block stays; references count within their block",
        [](Page& page) {
          squareAt(page(SVG_BeginCharacterBlock), {1, 1})(SVG_BeginCharacterBlock);
