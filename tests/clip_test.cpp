@@ -52,8 +52,6 @@ TEST(Clip, RectanglesBecomeOnePath) {
               page.line().close()) << rule;
   }
 }
-// clang-format on
-
 TEST(Clip, NumbersSelectRegionsAgain) {
   Page page({10, 20, 110, 70});
   SvgGenerator* const generator = page.generator;
@@ -84,7 +82,6 @@ TEST(Clip, NumbersSelectRegionsAgain) {
             page.close());
 }
 
-// clang-format off
 TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
   const std::string first = region(0, "M0 0h1v1h-1z"), second = region(1, "M0 0h2v2h-2z");
   check({

@@ -16,7 +16,7 @@ TEST(Document, SizeIsThePagesEvenANegativeOne) {
 TEST(Document, DefinitionsStandInAFixedOrder) {
   check({{"one of each",
       [](Page& page) {
-        page(SVG_InvertRectangle, box({1, 2, 4, 7})).path({{6, {1, 2}}}, SVG_InvertPath);
+        page(SVG_InvertRectangle, box({1, 2, 4, 7})).path({{6, 1, 2}}, SVG_InvertPath);
         page.clip({0, 0, 1, 1}).font(u"A", 9).text(u"b");
         page.image(8, {0, 0, 3, 4}, "<svg viewBox=\"0\">c</svg>").image(4, {0, 0, 5, 6}, "d");
       },
@@ -40,7 +40,7 @@ TEST(Document, LargePiecesAreWhole) {
   std::u16string text;
   std::vector<TypedPoint> path;
   for (int i = 0; i < 100003; ++i) {
-    path.push_back({2, i % 2 ? POINT{0, 0} : POINT{kLeast, kLeast}});
+    path.push_back({2, i % 2 ? 0 : kLeast, i % 2 ? 0 : kLeast});
     data += least + least, positions += least, written += "&amp;\\u4e2d", base64 += "YWJj";
     text += u"&\u4e2d", file += "abc";
   }
@@ -53,8 +53,6 @@ TEST(Document, LargePiecesAreWhole) {
       "<symbol id='QZ_I0' viewBox='0 0 1 1'><image width='1' height='1' xlink:href='data:image/png;"
       "base64," + base64 + "YQ=='/></symbol>")) == page.close());
 }
-// clang-format on
-
 TEST(Close, OnlyTheExactSizeIsAccepted) {
   Page page;
   SVG_Char one = u'~';
@@ -108,7 +106,6 @@ TEST(Close, ANullHandleIsIgnored) {
   EXPECT_EQ(0, SVG_Delete(nullptr));
 }
 
-// clang-format off
 TEST(Inversion, TravelsWithPaintSetWhileItIsOn) {
   const std::string inverted = "<line filter='url(#QZ_V)' x1='1' y1='2' x2='3' y2='4'/>";
   const std::string all = " fill='rgb(1,2,3)' fill-opacity='0.200000' stroke='rgb(4,5,6)' "
@@ -132,8 +129,8 @@ TEST(Inversion, TravelsWithPaintSetWhileItIsOn) {
        "<text x='1' y='2'" + all + " xml:space='preserve'>a</text><g" + all + "></g>", kFilter},
       {"paths share one mask, even while a block is open",
        [](Page& page) {
-         page(SVG_BeginCharacterBlock).path({{6, {1, 2}}, {3, {3, 4}}}, SVG_InvertPath);
-         page(SVG_BeginCharacter, at({5, 5})).path({{2, {3, 4}}}, SVG_InvertPath);
+         page(SVG_BeginCharacterBlock).path({{6, 1, 2}, {3, 3, 4}}, SVG_InvertPath);
+         page(SVG_BeginCharacter, at({5, 5})).path({{2, 3, 4}}, SVG_InvertPath);
        },
        "<g></g>" + kMaskUse,
        kFilter + "<mask id='QZ_MI'><path fill='white' d='M1 2l2 2z'/><path fill='white' d='l3 4'/>"

@@ -24,7 +24,7 @@ constexpr int32_t kMost = INT32_MAX, kLeast = INT32_MIN;
 
 struct TypedPoint {
   uint8_t type;
-  POINT point;
+  int32_t x, y;
 };
 
 // Markup as the tests write it, with apostrophes for quotation marks.
@@ -79,7 +79,7 @@ struct Page {
   Page& path(const std::vector<TypedPoint>& path, decltype(&SVG_DrawPath) draw = SVG_DrawPath) {
     std::vector<POINT> points;
     std::vector<uint8_t> types;
-    for (const auto& [type, point] : path) points.push_back(point), types.push_back(type);
+    for (const auto& [type, x, y] : path) points.push_back({x, y}), types.push_back(type);
     return (*this)(draw, points.data(), types.data(), path.size());
   }
   Page& font(std::u16string_view family, int size, bool italic = false, bool bold = false) {

@@ -118,10 +118,10 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
          character(page, {30, 20}).polyline({{30, 20}, {31, 15}});
          character(page, {40, 20})(SVG_DrawPolygon, at({41, 22}), 1);
          character(page, {50, 20}).polyline({{51, 22}});
-         character(page, {60, 20}).path({{6, {60, 20}}, {2, {61, 20}}});
-         character(page, {70, 20}).path({{6, {60, 20}}, {2, {61, 20}}});
-         character(page, {75, 20}).path({{6, {60, 20}}, {2, {61, 20}}, {0, {1, 2}}});
-         character(page, {80, 20}).path({{6, {60, 20}}, {3, {61, 20}}});
+         character(page, {60, 20}).path({{6, 60, 20}, {2, 61, 20}});
+         character(page, {70, 20}).path({{6, 60, 20}, {2, 61, 20}});
+         character(page, {75, 20}).path({{6, 60, 20}, {2, 61, 20}, {0, 1, 2}});
+         character(page, {80, 20}).path({{6, 60, 20}, {3, 61, 20}});
          character(page, {9, 9})(SVG_DrawRoundedRectangle, box({9, 9, 19, 19}), 4, 2, 1);
          square(character(page, {8, 8}), {8, 8}, 10);
        },
