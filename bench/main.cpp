@@ -218,7 +218,9 @@ void printConditions(const Options& options, const Peers& peers) {
       break;
     }
   std::cout << processor << ", " << __VERSION__ << " (compiler)";
-  for (const auto& [metric, peer] : peers) std::cout << ", " << peer->version();
+  for (const auto& [metric, name] : {std::pair(kCairo, "Cairo"), std::pair(kMuPdf, "MuPDF")})
+    std::cout << ", "
+              << (peers.contains(metric) ? peers.at(metric)->version() : format("no %s", name));
   std::cout << "\nAllocator: "
             << (options.keepHeap ? "keeps freed memory between pages (no trimming, no mapping)"
                                  : "in its default state (may return freed memory)")
