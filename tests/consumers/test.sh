@@ -1,0 +1,81 @@
+#!/bin/bash
+# usage: test.sh WAY BUILD [EMULATOR...]
+# Builds an example as a host does that takes the library by WAY, and runs it. Installed trees are
+# moved first; packages are unpacked somewhere and must hold the files of WAY.txt, no others.
+set -euo pipefail
+way=$1 build=$2
+shift 2
+consumers=$(cd "$(dirname "$0")" && pwd)
+examples=$consumers/../../examples
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/prefix
+
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
+draw() { "$consumers/../examples/test.sh" "$examples/page.svg" "$@"; }
+compare() { diff "$consumers/$way.txt" <(cd "$1" && find . -type f -o -type l | LC_ALL=C sort); }
+
+install_and_move() {
+  quietly cmake --install "$build" --prefix "$work/first"
+  mv "$work/first" "$prefix"
+}
+
+pack() {  # pack GENERATOR
+  (cd "$work" && quietly cpack --config "$build/CPackConfig.cmake" -G "$1" -B "$work")
+}
+
+find_package() {
+  quietly cmake -S "$consumers/find_package" -B "$work/build" -DCMAKE_PREFIX_PATH="$prefix" "$@"
+  quietly cmake --build "$work/build"
+}
+
+pkg_config() {
+  PKG_CONFIG_PATH=$prefix/lib/pkgconfig quietly \
+    make -C "$work" -f "$consumers/pkg_config/Makefile" EXAMPLES="$examples"
+  LD_LIBRARY_PATH=$prefix/lib draw "$work/consumer"
+}
+
+case $way in
+  find_package)
+    install_and_move
+    find_package
+    draw "$work/build/consumer"
+    ;;
+  pkg_config)
+    install_and_move
+    pkg_config
+    ;;
+  subdirectory)  # which brings neither tests nor anything to install
+    quietly cmake -S "$consumers/subdirectory" -B "$work/build"
+    quietly cmake --build "$work/build" --parallel 2
+    draw "$work/build/consumer"
+    ctest --test-dir "$work/build" -N | grep -qx 'Total Tests: 0'
+    cmake --install "$work/build" --prefix "$prefix" >"$work/log"
+    [ ! -e "$prefix" ]
+    ;;
+  deb)
+    pack DEB
+    for package in "$work"/*.deb; do dpkg -x "$package" "$work/root"; done
+    compare "$work/root"
+    prefix=$work/root/usr
+    pkg_config
+    find_package
+    draw "$work/build/consumer"
+    ;;
+  zip)
+    pack ZIP
+    (cd "$work" && cmake -E tar xf ./*.zip && mv qzsvggen-*/ prefix)
+    compare "$prefix"
+    find_package --toolchain "$consumers/../../cmake/mingw-w64.cmake" \
+      -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
+    draw "$@" "$work/build/consumer.exe"
+    ;;
+  microsoft)
+    install_and_move
+    clang --target=x86_64-pc-windows-msvc -ffreestanding -std=c11 -Wall -Wextra -Werror \
+      -I"$prefix/include" -c "$consumers/microsoft/consumer.c" -o "$work/consumer.obj"
+    lld-link /nologo /subsystem:console /entry:start /nodefaultlib "$work/consumer.obj" \
+      "$prefix/lib/qzsvggen.lib" /out:"$prefix/bin/consumer.exe"
+    "$@" "$prefix/bin/consumer.exe"
+    ;;
+esac
