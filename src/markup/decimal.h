@@ -43,19 +43,20 @@ inline char* writeUnsigned(char* out, uint64_t value) {
 }
 
 // Returns the end of the number. Up to kDecimalOverrun characters behind it are overwritten.
-template <std::integral Integer>
+template <std::unsigned_integral Integer>
 inline char* writeDecimal(char* out, Integer value) {
-  using Unsigned = std::conditional_t<(sizeof(Integer) > 4), uint64_t, uint32_t>;
-  auto magnitude = static_cast<Unsigned>(value);
-  const Unsigned index = magnitude - static_cast<Unsigned>(kSmallestDecimal);
+  return writeUnsigned(out, value);
+}
+
+template <std::signed_integral Integer>
+inline char* writeDecimal(char* out, Integer value) {
+  static_assert(sizeof(Integer) >= sizeof(int32_t));
+  using Unsigned = std::make_unsigned_t<Integer>;
+  const Unsigned index = static_cast<Unsigned>(value) - static_cast<Unsigned>(kSmallestDecimal);
   if (index < kDecimalCount) return writeSmallDecimal(out, static_cast<uint32_t>(index));
-  if constexpr (std::signed_integral<Integer>) {
-    if (value < 0) {
-      *out++ = '-';
-      magnitude = 0 - magnitude;
-    }
-  }
-  return writeUnsigned(out, magnitude);
+  if (value >= 0) return writeUnsigned(out, static_cast<Unsigned>(value));
+  *out++ = '-';
+  return writeUnsigned(out, Unsigned{0} - static_cast<Unsigned>(value));
 }
 
 }  // namespace qz
