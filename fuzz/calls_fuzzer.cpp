@@ -29,14 +29,14 @@ void require(bool holds, const std::string& rule) {
 // The functions and their arguments, one letter each; see Writer::argument.
 const std::vector<std::string> kFunctions = [] {
   std::istringstream words(
-      "GetVersion: SetFill:bbbb SetStroke:bbbbu ClearStroke: BeginInvertPainting: "
+      "SetFill:bbbb SetStroke:bbbbu ClearStroke: BeginInvertPainting: "
       "EndInvertPainting: InvertPath:LY InvertRectangle:R DrawLine:PP DrawRectangle:R "
       "DrawRoundedRectangle:Ruub DrawPolyline:L DrawPolygon:L DrawPath:LY SetFont:Tibb ClearFont: "
       "DrawText:TPAu BeginCharacterBlock: EndCharacterBlock: BeginCharacter:P EndCharacter: "
       "SetCharacterReference:uP DrawImage:FRDb BeginClippingRegion:R AddClippingRegion:R "
       "ExcludeClippingRegion:R EndClippingRegion: GetCurrentClippingRegion: "
       "SetCurrentClippingRegion:u BeginFormField:KbbRTO EndFormField: BeginLink:kT EndLink: "
-      "SetDocumentTarget:PT BeginSignatureField:RTO EndSignatureField:");
+      "SetDocumentTarget:PT BeginSignatureField:RTO EndSignatureField: GetVersion:");
   return std::vector<std::string>(std::istream_iterator<std::string>(words), {});
 }();
 
@@ -62,7 +62,7 @@ class Writer {
   // what follows them is not drawn.
   std::string line(const std::vector<std::string>& before) {
     const auto choice = input_.ConsumeIntegral<uint8_t>();
-    if (choice == 255) return "[\"SVG_Close\"]";
+    if (choice == 255 && below(16) == 1) return "[\"SVG_Close\"]";
     if (choice >= 6 * kFunctions.size() && before.size() > 1)
       return before[1 + below(before.size() - 1)];
     const std::string& function = kFunctions[choice % kFunctions.size()];
