@@ -29,9 +29,9 @@ struct Image {
 // one hash share the first one's symbol, be their formats the same or not.
 class RasterImages {
  public:
-  // The id of a picture, which is registered with `bounds` as its size when it is new. A new picture
-  // of an unknown format is not stored and gets the id that the next one will have: its placement
-  // refers to that one, or to nothing. None when the bytes have the reserved hash value.
+  // The id of a picture, which is registered with `bounds` as its size when it is new. A new
+  // picture of an unknown format is not stored and gets the id that the next one will have: its
+  // placement refers to that one, or to nothing. None when the bytes have the reserved hash value.
   std::optional<uint32_t> findOrRegister(ImageFormat format, const RECT& bounds,
                                          const uint8_t* bytes, size_t size);
 
