@@ -1,9 +1,8 @@
 // Arguments are read during the call alone, and only as far as their counts say: each ends where an
-// unreadable page begins, and is gone when the call has returned.
+// unreadable page begins, and is unreadable itself when the call has returned.
 #include <qzsvggen/qzsvggen.h>
 #include <sys/mman.h>
 
-#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -21,7 +20,7 @@ class Guarded {
     mprotect(place_ + kRoom, kRoom, PROT_NONE);
     if (count > 0) std::memcpy(values_, values, count * sizeof(Value));
   }
-  ~Guarded() { munmap(place_, 2 * kRoom); }
+  ~Guarded() { mprotect(place_, 2 * kRoom, PROT_NONE); }  // no later one may stand there
   Guarded(const Guarded&) = delete;
   Guarded& operator=(const Guarded&) = delete;
   operator const Value*() const { return reinterpret_cast<const Value*>(values_); }
@@ -32,29 +31,22 @@ class Guarded {
   char* const values_;
 };
 
-// A copy in ordinary memory.
-template <class Value>
-struct Plain {
-  Plain(const Value* begin, size_t count) : values(begin, begin + count) {}
-  operator const Value*() const { return values.data(); }
-  std::vector<Value> values;
-};
+template <class List>
+auto copy(const List& list) {
+  return Guarded<typename List::value_type>(list.data(), list.size());
+}
 
-// Draws a page with every function that is given pointers, with copies of that kind.
-template <template <class> class Copy>
-std::u16string draw() {
-  const auto copy = [](const auto& list) {
-    return Copy<typename std::decay_t<decltype(list)>::value_type>(list.data(), list.size());
-  };
-  const auto rect = [&] { return copy(std::vector<RECT>{{1, 2, 30, 40}}); };
-  const auto point = [&](int32_t x) { return copy(std::vector<POINT>{{x, -5}}); };
-  const auto bytes = [&](const std::string& text) {
+// Draws a page with every function that is given pointers. Returns the document's size.
+int32_t draw() {
+  const auto rect = [] { return copy(std::vector<RECT>{{1, 2, 30, 40}}); };
+  const auto point = [](int32_t x) { return copy(std::vector<POINT>{{x, -5}}); };
+  const auto bytes = [](const std::string& text) {
     return copy(std::vector<uint8_t>(text.begin(), text.end()));
   };
   constexpr uint32_t kCount = 100;  // more than one step of the writers
-  const auto points = [&] { return copy(std::vector<POINT>(kCount, {3, -4})); };
+  const auto points = [] { return copy(std::vector<POINT>(kCount, {3, -4})); };
   const auto types = [&] { return bytes("\6" + std::string(kCount - 2, '\4') + "\3"); };
-  const auto advances = [&] { return copy(std::vector<int32_t>(kCount, 7)); };
+  const auto advances = [] { return copy(std::vector<int32_t>(kCount, 7)); };
 
   SvgGenerator* const page = SVG_Create(rect());
   SVG_ExcludeClippingRegion(page, rect());
@@ -93,16 +85,12 @@ std::u16string draw() {
       for (const uint16_t format : {SVG_IMAGE_JPEG, SVG_IMAGE_SVG})
         SVG_DrawImage(page, format, rect(), bytes(file), static_cast<int32_t>(std::strlen(file)),
                       100);
-  std::u16string document(static_cast<size_t>(SVG_Close(page, nullptr, 0)), u'\0');
-  SVG_Close(page, document.data(), static_cast<int32_t>(document.size()));
+  const int32_t size = SVG_Close(page, nullptr, 0);
   SVG_Delete(page);
-  return document;
+  return size;
 }
 
 }  // namespace
 
-int main() {
-  const bool same = draw<Guarded>() == draw<Plain>();
-  if (!same) std::fputs("arguments are used after the call\n", stderr);
-  return same ? 0 : 1;
-}
+// An access to an argument after its call, or behind its end, ends this process.
+int main() { return draw() > 10000 ? 0 : 1; }
