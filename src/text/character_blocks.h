@@ -77,7 +77,7 @@ void CharacterBlocks::addShape(PageContent& content, const Shape& shape) {
     addGlyph(out, search, shape);
   if (partCount_ == 0) firstGlyphs_.back() = static_cast<int32_t>(glyph);
   ++partCount_;
-  glyphs_.remember(search, shape, glyph);
+  if (search.glyph) glyphs_.remember(search, shape, glyph);
 }
 
 // An outline that is seen for the first time; geometry_ holds its plain text.

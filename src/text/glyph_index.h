@@ -46,7 +46,8 @@ class GlyphIndex {
   // Adds the outline under the number count(). After reserveOne() it cannot fail.
   void reserveOne();
   void add(const Search& search, const Glyph& glyph) noexcept;
-  // Remembers the points of a path whose text belongs to that outline.
+  // Remembers the points of a path that was found by its text: it comes again, so it will come more
+  // often. Most outlines of a page that are new never come again.
   void remember(const Search& search, const Path& path, GlyphNumber number);
   template <class Shape>
   void remember(const Search&, const Shape&, GlyphNumber) {}
