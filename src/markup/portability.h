@@ -14,7 +14,14 @@
 #include <string>
 #include <string_view>
 
+// What qzsvggen.def exports is visible, by Windows' linker or by this.
+#if defined(__ELF__)
+#pragma GCC visibility push(default)
+#endif
 #include "qzsvggen/qzsvggen.h"
+#if defined(__ELF__)
+#pragma GCC visibility pop
+#endif
 
 // Marks the rare half of a function that is called for every element.
 #if defined(__GNUC__)

@@ -10,6 +10,10 @@ namespace {
 // Points are written in steps, so that a place for them is reserved once a step.
 constexpr uint32_t kStep = 64;
 
+// Steps between which the text is hashed are short: hashing is a chain of multiplications that wait
+// for each other, and the processor formats the next points meanwhile.
+constexpr uint32_t kHashedStep = 4;
+
 // What the points so far decide about the text of the next one.
 class PathDataWriter {
  public:
@@ -80,21 +84,45 @@ class PathDataWriter {
   int curvePoints_ = 0;  // modulo 3
 };
 
+// Calls observe(std::string_view) with the text of each step.
+template <uint32_t step, class Observe>
+void writePath(MarkupText& out, const POINT* points, const uint8_t* types, uint32_t count,
+               Observe observe) {
+  const auto writeStep = [&](size_t room, auto write) {
+    char* const begin = out.reserve(room);
+    char* const end = write(begin);
+    out.commit(end);
+    observe(std::string_view(begin, static_cast<size_t>(end - begin)));
+  };
+  // The first move is the head of the text, even when it comes late.
+  const uint8_t* const firstMove = std::find(types, types + count, uint8_t{PT_MOVETO});
+  if (firstMove != types + count)
+    writeStep(kCoordinatePairRoom + 1, [&](char* text) {
+      return put(put(text, "M"), CoordinatePair(points[firstMove - types]));
+    });
+
+  PathDataWriter writer;
+  for (uint32_t i = 0; i < count;) {
+    const uint32_t end = i + std::min(step, count - i);
+    writeStep(step * PathDataWriter::kRoom, [&](char* text) {
+      for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
+      return text;
+    });
+  }
+}
+
 }  // namespace
 
 void writeTypedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
                         uint32_t count) {
-  // The first move is the head of the text, even when it comes late.
-  const uint8_t* const firstMove = std::find(types, types + count, uint8_t{PT_MOVETO});
-  if (firstMove != types + count) out.append("M", CoordinatePair(points[firstMove - types]));
+  writePath<kStep>(out, points, types, count, [](std::string_view) {});
+}
 
-  PathDataWriter writer;
-  for (uint32_t i = 0; i < count;) {
-    const uint32_t end = i + std::min(kStep, count - i);
-    char* text = out.reserve(kStep * PathDataWriter::kRoom);
-    for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
-    out.commit(text);
-  }
+ContentHash writeHashedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
+                                uint32_t count) {
+  ContentHash hash;
+  writePath<kHashedStep>(out, points, types, count, [&](std::string_view text) { hash.add(text); });
+  return hash;
 }
 
 void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin) {

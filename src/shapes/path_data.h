@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "markup/content_key.h"
 #include "markup/markup_text.h"
 
 namespace qz {
@@ -32,6 +33,10 @@ class CoordinatePair {
 // The path data of points with their types, compared as whole values: one absolute "M", then
 // relative "m", "l", "c" and "z".
 void writeTypedPathData(MarkupText& out, const POINT* points, const uint8_t* types, uint32_t count);
+
+// The same, and the hash of its text.
+ContentHash writeHashedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
+                                uint32_t count);
 
 // Coordinate pairs less the origin, parted by one blank, also before a negative number.
 void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "markup/growth.h"
+#include "shapes/path_data.h"
 
 namespace qz {
 namespace {
@@ -65,9 +66,10 @@ GlyphIndex::Search GlyphIndex::find(const Path& path, MarkupText& geometry) cons
   const auto known =
       points_.find(pointsKey, [&](KeyIndex::Number number) { return paths_[number].equals(path); });
   if (known) return {paths_[*known].glyph, 0, 0};
-  Search search = findByText(path, geometry);
-  search.pointsKey = pointsKey;
-  return search;
+  geometry.restart();
+  const uint64_t textKey =
+      writeHashedPathData(geometry, path.points, path.types, path.count).value();
+  return {texts_.find(textKey), textKey, pointsKey};
 }
 
 void GlyphIndex::reserveOne() {
