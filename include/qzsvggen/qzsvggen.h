@@ -67,13 +67,7 @@
 
 /* Calling convention: cdecl, on every platform. Windows hosts that want `dllimport` define
  * QZSVGGEN_DLLIMPORT before including this header; it is never required. */
-#if defined(QZSVGGEN_EXPORTS)
-#if defined(_WIN32)
-#define QZSVGGEN_API __declspec(dllexport)
-#else
-#define QZSVGGEN_API __attribute__((visibility("default")))
-#endif
-#elif defined(_WIN32) && defined(QZSVGGEN_DLLIMPORT)
+#if defined(_WIN32) && defined(QZSVGGEN_DLLIMPORT)
 #define QZSVGGEN_API __declspec(dllimport)
 #else
 #define QZSVGGEN_API
