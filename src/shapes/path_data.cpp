@@ -102,7 +102,8 @@ void writePath(MarkupText& out, const POINT* points, const uint8_t* types, uint3
     });
 
   PathDataWriter writer;
-  for (uint32_t i = 0; i < count;) {
+  uint32_t i = 0;
+  while (i < count) {
     const uint32_t end = i + std::min(step, count - i);
     writeStep(step * PathDataWriter::kRoom, [&](char* text) {
       for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
