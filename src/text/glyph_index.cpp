@@ -1,5 +1,6 @@
 #include "text/glyph_index.h"
 
+#include <bit>
 #include <cstring>
 
 #include "markup/growth.h"
@@ -21,11 +22,10 @@ class BytesHash {
     mixStep(rest);
   }
   uint64_t value() const {
-    return first_ ^ rotate(second_, 16) ^ rotate(third_, 32) ^ rotate(fourth_, 48);
+    return first_ ^ std::rotl(second_, 16) ^ std::rotl(third_, 32) ^ std::rotl(fourth_, 48);
   }
 
  private:
-  static uint64_t rotate(uint64_t value, int bits) { return value << bits | value >> (64 - bits); }
   static uint64_t mix(uint64_t chain, const unsigned char* bytes) {
     uint64_t word;
     std::memcpy(&word, bytes, sizeof word);
