@@ -1,10 +1,9 @@
 #include "clip/clip_regions.h"
 
 #include <algorithm>
-#include <span>
 
-#include "markup/growth.h"
-#include "markup/wrapping.h"
+#include "base/make_room.h"
+#include "base/wrapping.h"
 #include "shapes/path_data.h"
 
 namespace qz {
@@ -32,16 +31,11 @@ RECT intersection(const RECT& a, const RECT& b) {
 
 }  // namespace
 
-std::optional<ClipPath> ClipRegions::currentClipPath() const {
-  if (current_ == kNoRegion) return std::nullopt;
-  return regions_[static_cast<size_t>(current_)];
-}
-
 // Files the records of `region` and one more as a new region, which becomes current.
 void ClipRegions::file(ClipPath region, const ClipRegionRecord& record) {
   const bool continues = region.firstRecord + region.recordCount == records_.size();
-  reserveMore(records_, continues ? 1 : region.recordCount + 1);
-  reserveMore(regions_, 1);
+  makeRoom(records_, continues ? 1 : region.recordCount + 1);
+  makeRoom(regions_);
   if (!continues) {
     const size_t first = records_.size();
     for (size_t i = 0; i < region.recordCount; ++i)
@@ -55,8 +49,8 @@ void ClipRegions::file(ClipPath region, const ClipRegionRecord& record) {
 
 // Files the records of `region` with every cut that lies inside the new one replaced by it.
 void ClipRegions::fileReplaced(ClipPath region, const RECT& cut) {
-  reserveMore(records_, region.recordCount);
-  reserveMore(regions_, 1);
+  makeRoom(records_, region.recordCount);
+  makeRoom(regions_);
   const size_t first = records_.size();
   for (size_t i = 0; i < region.recordCount; ++i) {
     ClipRegionRecord record = records_[region.firstRecord + i];
@@ -71,37 +65,39 @@ void ClipRegions::begin(const RECT& rectangle) {
   file({records_.size(), 0, false}, {rectangle, ClipBase});
 }
 
-void ClipRegions::add(const RECT& rectangle) {
-  if (const auto region = currentClipPath()) file(*region, {rectangle, ClipAdded});
+void ClipRegions::add(const RECT* rectangle) {
+  if (current_ != kNoRegion) file(regions_[static_cast<size_t>(current_)], {*rectangle, ClipAdded});
 }
 
 void ClipRegions::exclude(const RECT& rectangle, const RECT& page) {
   if (current_ == kNoRegion) {
-    reserveMore(records_, 2);  // what follows cannot fail: there are both regions or none
-    reserveMore(regions_, 2);
+    makeRoom(records_, 2);  // what follows cannot fail: there are both regions or none
+    makeRoom(regions_, 2);
     begin(page);
   }
-  const ClipPath region = *currentClipPath();
-  const Absorbed absorbed = examine(region, rectangle);
-  if (!absorbed.any)
-    file(region, {rectangle, ClipExcluded});
-  else if (absorbed.replaced)
-    fileReplaced(region, rectangle);
-  else
-    end();  // lies inside an earlier cut: nothing is clipped any more. Odd, and meant.
+  const ClipPath region = regions_[static_cast<size_t>(current_)];
+  switch (compare(region, rectangle)) {
+    case Cut::Apart:
+      return file(region, {rectangle, ClipExcluded});
+    case Cut::AroundEarlier:
+      return fileReplaced(region, rectangle);
+    case Cut::InsideEarlier:
+      return end();  // nothing is clipped any more. Odd, and meant.
+  }
 }
 
-ClipRegions::Absorbed ClipRegions::examine(const ClipPath& region, const RECT& cut) const {
-  Absorbed absorbed{false, false};
-  for (const ClipRegionRecord& record :
-       std::span(records_).subspan(region.firstRecord, region.recordCount)) {
+// A cut around one and inside another replaces the former.
+ClipRegions::Cut ClipRegions::compare(const ClipPath& region, const RECT& cut) const {
+  Cut result = Cut::Apart;
+  for (const ClipRegionRecord& record : recordsOf(region)) {
     if (!record.isExcluded()) continue;
-    if (contains(record.rect, cut))
-      absorbed.any = true;
-    else if (contains(cut, record.rect))
-      absorbed.any = absorbed.replaced = true;
+    if (contains(record.rect, cut)) {
+      if (result == Cut::Apart) result = Cut::InsideEarlier;
+    } else if (contains(cut, record.rect)) {
+      result = Cut::AroundEarlier;
+    }
   }
-  return absorbed;
+  return result;
 }
 
 bool ClipRegions::select(uint32_t number) {
@@ -124,8 +120,7 @@ void ClipRegions::writeClipPath(MarkupText& out, RegionNumber number, std::vecto
   const ClipPath& region = regions_[static_cast<size_t>(number)];
   rectangles.clear();
   cuts.clear();
-  for (const ClipRegionRecord& record :
-       std::span(records_).subspan(region.firstRecord, region.recordCount))
+  for (const ClipRegionRecord& record : recordsOf(region))
     (record.isExcluded() ? cuts : rectangles).push_back(record.rect);
   const size_t kept = rectangles.size();
   for (size_t i = 0; i < kept; ++i)

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <span>
 #include <vector>
 
 #include "markup/markup_text.h"
@@ -42,7 +42,8 @@ class ClipRegions {
   RegionNumber current() const { return current_; }
 
   void begin(const RECT& rectangle);
-  void add(const RECT& rectangle);
+  // Without a current region it does nothing, and reads nothing.
+  void add(const RECT* rectangle);
   // Starts from `page` when no region is current.
   void exclude(const RECT& rectangle, const RECT& page);
   void end() { current_ = kNoRegion; }
@@ -57,14 +58,14 @@ class ClipRegions {
   void write(MarkupText& out) const;
 
  private:
-  struct Absorbed {
-    bool any;       // an earlier cut contains the new one, or is contained in it
-    bool replaced;  // at least one is contained in it
-  };
-  Absorbed examine(const ClipPath& region, const RECT& cut) const;
+  // What a new cut is to the earlier cuts of its region.
+  enum class Cut { Apart, InsideEarlier, AroundEarlier };
+  Cut compare(const ClipPath& region, const RECT& cut) const;
   void file(ClipPath region, const ClipRegionRecord& record);
   void fileReplaced(ClipPath region, const RECT& cut);
-  std::optional<ClipPath> currentClipPath() const;
+  std::span<const ClipRegionRecord> recordsOf(const ClipPath& region) const {
+    return std::span(records_).subspan(region.firstRecord, region.recordCount);
+  }
   // The vectors are scratch.
   void writeClipPath(MarkupText& out, RegionNumber number, std::vector<RECT>& rectangles,
                      std::vector<RECT>& cuts) const;

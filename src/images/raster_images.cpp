@@ -1,7 +1,7 @@
 #include "images/raster_images.h"
 
+#include "base/wrapping.h"
 #include "images/base64.h"
-#include "markup/wrapping.h"
 
 namespace qz {
 namespace {
@@ -22,11 +22,11 @@ uint32_t contentKey(const uint8_t* bytes, size_t size) {
   return key;
 }
 
-std::string_view dataUriPrefix(ImageFormat format) {
+std::string_view dataUriPrefix(uint16_t format) {
   switch (format) {
-    case ImageFormat::Png:
+    case SVG_IMAGE_PNG:
       return "data:image/png;base64,";
-    case ImageFormat::Jpeg:
+    case SVG_IMAGE_JPEG:
       return "data:image/jpeg;base64,";
     default:
       return {};
@@ -39,12 +39,12 @@ void Image::write(MarkupText& out) const {
   out.append("<use xlink:href=\"#QZ_I", id, "\" x=\"", bounds.left, "\" y=\"", bounds.top,
              "\" width=\"", wrappingSubtract(bounds.right, bounds.left), "\" height=\"",
              wrappingSubtract(bounds.bottom, bounds.top), "\"");
-  if (compressionQuality != 100)
+  if (usesExtensionNamespace())
     out.append(" velumark:compressionQuality=\"", compressionQuality, "\"");
   out.append("/>");
 }
 
-std::optional<uint32_t> RasterImages::findOrRegister(ImageFormat format, const RECT& bounds,
+std::optional<uint32_t> RasterImages::findOrRegister(uint16_t format, const RECT& bounds,
                                                      const uint8_t* bytes, size_t size) {
   if (repeated_.equal(bytes, size)) return repeatedId_;
   const uint32_t key = contentKey(bytes, size);
@@ -59,13 +59,12 @@ std::optional<uint32_t> RasterImages::findOrRegister(ImageFormat format, const R
 
   const int32_t width = wrappingSubtract(bounds.right, bounds.left);
   const int32_t height = wrappingSubtract(bounds.bottom, bounds.top);
-  index_.reserveOne();
-  appendWhole(symbols_, [&] {
-    symbols_.append("<symbol id=\"QZ_I", count_, "\" viewBox=\"0 0 ", width, " ", height,
-                    "\"><image width=\"", width, "\" height=\"", height, "\" xlink:href=\"",
-                    prefix);
-    appendBase64(symbols_, bytes, size);
-    symbols_.append("\"/></symbol>");
+  index_.makeRoom();
+  symbols_.appendWhole([&](MarkupText& out) {
+    out.append("<symbol id=\"QZ_I", count_, "\" viewBox=\"0 0 ", width, " ", height,
+               "\"><image width=\"", width, "\" height=\"", height, "\" xlink:href=\"", prefix);
+    appendBase64(out, bytes, size);
+    out.append("\"/></symbol>");
   });
   index_.insert(key, count_);
   return count_++;

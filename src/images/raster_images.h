@@ -4,17 +4,11 @@
 #include <cstdint>
 #include <optional>
 
+#include "base/hash_index.h"
 #include "images/repeated_bytes.h"
-#include "markup/content_key.h"
 #include "markup/markup_text.h"
 
 namespace qz {
-
-enum class ImageFormat : uint16_t {
-  Png = SVG_IMAGE_PNG,
-  Jpeg = SVG_IMAGE_JPEG,
-  Svg = SVG_IMAGE_SVG
-};
 
 // A placement of a registered picture.
 struct Image {
@@ -23,6 +17,7 @@ struct Image {
   uint16_t compressionQuality;  // written unless it is 100
 
   void write(MarkupText& out) const;
+  bool usesExtensionNamespace() const { return compressionQuality != 100; }
 };
 
 // The raster pictures of one page, known by a 32-bit hash of their bytes alone: two pictures with
@@ -32,16 +27,16 @@ class RasterImages {
   // The id of a picture, which is registered with `bounds` as its size when it is new. A new
   // picture of an unknown format is not stored and gets the id that the next one will have: its
   // placement refers to that one, or to nothing. None when the bytes have the reserved hash value.
-  std::optional<uint32_t> findOrRegister(ImageFormat format, const RECT& bounds,
-                                         const uint8_t* bytes, size_t size);
+  std::optional<uint32_t> findOrRegister(uint16_t format, const RECT& bounds, const uint8_t* bytes,
+                                         size_t size);
 
-  MarkupText takeSymbols() noexcept { return std::move(symbols_); }
-  size_t size() const { return symbols_.size(); }
+  // For the document.
+  MarkupText& symbols() { return symbols_; }
 
  private:
   MarkupText symbols_;
   uint32_t count_ = 0;
-  KeyIndex index_;
+  HashIndex index_;
   RepeatedBytes repeated_;
   uint32_t repeatedId_ = 0;
 };

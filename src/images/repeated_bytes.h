@@ -14,7 +14,14 @@ class RepeatedBytes {
   bool equal(const uint8_t* bytes, size_t size) const {
     return size == bytes_.size() && std::memcmp(bytes, bytes_.data(), size) == 0;
   }
-  void remember(const uint8_t* bytes, size_t size) { bytes_.assign(bytes, bytes + size); }
+  // Without memory for them nothing is remembered: a shortcut may not fail a drawing.
+  void remember(const uint8_t* bytes, size_t size) noexcept {
+    try {
+      bytes_.assign(bytes, bytes + size);
+    } catch (...) {
+      bytes_.clear();
+    }
+  }
 
  private:
   std::vector<uint8_t> bytes_;

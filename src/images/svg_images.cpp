@@ -1,9 +1,10 @@
 #include "images/svg_images.h"
 
+#include "base/make_room.h"
+#include "base/wrapping.h"
 #include "images/svg_text.h"
+#include "markup/content_hash.h"
 #include "markup/fraction.h"
-#include "markup/growth.h"
-#include "markup/wrapping.h"
 #include "shapes/path_data.h"
 
 namespace qz {
@@ -11,11 +12,11 @@ namespace {
 
 constexpr float kUnknownLength = 500;
 
-// The root start tag; the white space behind "<svg" is one blank.
+// The root start tag; the white space behind "<svg" is one space.
 template <class View>
-UnitString rootTag(View text, const SvgCut& cut) {
+Utf16String rootTag(View text, const SvgCut& cut) {
   const View tag = text.substr(cut.tagStart, cut.insideStart - cut.tagStart);
-  UnitString units(tag.begin(), tag.end());
+  Utf16String units(tag.begin(), tag.end());
   units[4] = ' ';
   return units;
 }
@@ -58,7 +59,7 @@ std::optional<SvgImages::Picture> SvgImages::registerContent(View text) {
 
   ContentHash hash;
   hash.add(std::string_view("<g "));
-  hash.add(UnitView(picture.root.others));
+  hash.add(Utf16View(picture.root.others));
   hash.add(std::string_view(">"));
   hash.add(inside);
   hash.add(std::string_view("</g>"));
@@ -68,13 +69,13 @@ std::optional<SvgImages::Picture> SvgImages::registerContent(View text) {
     return picture;
   }
 
-  contentIndex_.reserveOne();
-  appendWhole(contents_, [&] {
-    contents_.append("<g id=\"QZ_G", contentCount_, "\"><g ");
-    contents_.appendText(UnitView(picture.root.others));
-    contents_.append(">");
-    contents_.appendText(inside);
-    contents_.append("</g></g>");
+  contentIndex_.makeRoom();
+  contents_.appendWhole([&](MarkupText& out) {
+    out.append("<g id=\"QZ_G", contentCount_, "\"><g ");
+    out.appendText(Utf16View(picture.root.others));
+    out.append(">");
+    out.appendText(inside);
+    out.append("</g></g>");
   });
   contentIndex_.insert(picture.contentHash, contentCount_);
   picture.contentId = contentCount_++;
@@ -92,7 +93,7 @@ void SvgImages::writeSizing(const SvgRootAttributes& root, const RECT& bounds) {
     sizing_.append("0 0 ", Fraction(parseSvgLength(root.width, width).value_or(kUnknownLength)),
                    " ", Fraction(parseSvgLength(root.height, height).value_or(kUnknownLength)));
   else
-    sizing_.appendText(UnitView(root.viewBox));
+    sizing_.appendText(Utf16View(root.viewBox));
   sizing_.append("\"");
 }
 
@@ -101,19 +102,19 @@ uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture) {
   hash.add(sizing_);
   const SymbolKey wanted{hash.value(), picture.contentHash};
   const uint64_t key = wanted.sizingHash ^ uint64_t { wanted.contentHash } << 32;
-  const auto known = symbolIndex_.find(key, [&](KeyIndex::Number number) {
+  const auto known = symbolIndex_.find(key, [&](HashIndex::Number number) {
     return symbolKeys_[number].sizingHash == wanted.sizingHash &&
            symbolKeys_[number].contentHash == wanted.contentHash;
   });
   if (known) return *known;
 
   const auto id = static_cast<uint32_t>(symbolKeys_.size());
-  symbolIndex_.reserveOne();
-  reserveMore(symbolKeys_, 1);
-  appendWhole(symbols_, [&] {
-    symbols_.append("<symbol id=\"QZ_S", id, "\"");
-    symbols_.appendText(sizing_);
-    symbols_.append("><use xlink:href=\"#QZ_G", picture.contentId, "\"/></symbol>");
+  symbolIndex_.makeRoom();
+  makeRoom(symbolKeys_);
+  symbols_.appendWhole([&](MarkupText& out) {
+    out.append("<symbol id=\"QZ_S", id, "\"");
+    out.appendText(sizing_);
+    out.append("><use xlink:href=\"#QZ_G", picture.contentId, "\"/></symbol>");
   });
   symbolKeys_.push_back(wanted);
   symbolIndex_.insert(key, id);

@@ -5,9 +5,9 @@
 #include <optional>
 #include <vector>
 
+#include "base/hash_index.h"
 #include "images/repeated_bytes.h"
 #include "images/svg_root.h"
-#include "markup/content_key.h"
 #include "markup/markup_text.h"
 
 namespace qz {
@@ -18,6 +18,7 @@ struct Symbol {
   POINT origin;
 
   void write(MarkupText& out) const;
+  bool usesExtensionNamespace() const { return false; }
 };
 
 // The SVG pictures of one page. Contents are known by a 32-bit hash alone, symbols by the hash of
@@ -28,9 +29,9 @@ class SvgImages {
   // registered when they are new. None when the bytes are no picture.
   std::optional<uint32_t> findOrRegister(const RECT& bounds, const uint8_t* bytes, size_t size);
 
-  MarkupText takeContents() noexcept { return std::move(contents_); }
-  MarkupText takeSymbols() noexcept { return std::move(symbols_); }
-  size_t size() const { return contents_.size() + symbols_.size(); }
+  // For the document.
+  MarkupText& contents() { return contents_; }
+  MarkupText& symbols() { return symbols_; }
 
  private:
   // What is known of one picture's bytes.
@@ -54,9 +55,9 @@ class SvgImages {
   MarkupText symbols_;
   MarkupText sizing_;  // scratch
   uint32_t contentCount_ = 0;
-  KeyIndex contentIndex_;
+  HashIndex contentIndex_;
   std::vector<SymbolKey> symbolKeys_;
-  KeyIndex symbolIndex_;
+  HashIndex symbolIndex_;
   RepeatedBytes repeated_;
   Picture repeatedPicture_;
 };

@@ -10,17 +10,17 @@ namespace {
 
 // The value of a quoted attribute, and where its closing quote is.
 struct AttributeValue {
-  UnitView text;
+  Utf16View text;
   size_t end = 0;
 };
 
 class RootTagScan {
  public:
-  explicit RootTagScan(UnitView tag) : tag_(tag) {}
+  explicit RootTagScan(Utf16View tag) : tag_(tag) {}
 
   SvgRootAttributes run() {
     SvgRootAttributes result;
-    UnitString id;
+    Utf16String id;
     others_ = {' '};
     for (position_ = 4; position_ + 1 < tag_.size(); ++position_)
       if (!take("id", id) && !take("viewBox", result.viewBox) && !take("width", result.width) &&
@@ -32,7 +32,7 @@ class RootTagScan {
 
  private:
   // Takes an attribute that has no value yet, and moves on to its closing quote.
-  bool take(std::string_view name, UnitString& value) {
+  bool take(std::string_view name, Utf16String& value) {
     if (!value.empty()) return false;
     const AttributeValue found = findAttributeValue(name);
     if (found.text.empty()) return false;
@@ -45,7 +45,7 @@ class RootTagScan {
   AttributeValue findAttributeValue(std::string_view name) {
     if (position_ + name.size() >= tag_.size()) return {};
     for (size_t i = 0; i < name.size(); ++i)
-      if (tag_[position_ + i] != static_cast<Unit>(name[i])) return {};
+      if (tag_[position_ + i] != static_cast<CodeUnit>(name[i])) return {};
     seekQuote();
     if (closingQuote_ == tag_.npos) return {};
     return {tag_.substr(openingQuote_ + 1, closingQuote_ - openingQuote_ - 1), closingQuote_};
@@ -56,14 +56,14 @@ class RootTagScan {
   void seekQuote() {
     if (openingQuote_ != tag_.npos && openingQuote_ >= position_) return;
     if (soughtToEnd_) return;
-    constexpr Unit kQuotes[] = {'"', '\''};
+    constexpr CodeUnit kQuotes[] = {'"', '\''};
     openingQuote_ = tag_.find_first_of(kQuotes, position_, 2);
     soughtToEnd_ = openingQuote_ == tag_.npos;
     closingQuote_ = soughtToEnd_ ? tag_.npos : tag_.find(tag_[openingQuote_], openingQuote_ + 1);
   }
 
-  // White space outside quotes collapses to one blank; any quote character opens or closes quotes.
-  void copy(Unit unit) {
+  // White space outside quotes collapses to one space; any quote character opens or closes quotes.
+  void copy(CodeUnit unit) {
     if (unit == '"' || unit == '\'') inQuotes_ = !inQuotes_;
     const bool isSpace = unit == ' ' || unit == '\t' || unit == '\n' || unit == '\r';
     if (!isSpace || inQuotes_)
@@ -72,13 +72,13 @@ class RootTagScan {
       others_.push_back(' ');
   }
 
-  const UnitView tag_;
+  const Utf16View tag_;
   size_t position_ = 0;
-  size_t openingQuote_ = UnitView::npos;
-  size_t closingQuote_ = UnitView::npos;
+  size_t openingQuote_ = Utf16View::npos;
+  size_t closingQuote_ = Utf16View::npos;
   bool soughtToEnd_ = false;
   bool inQuotes_ = false;
-  UnitString others_;
+  Utf16String others_;
 };
 
 // Takes the unit off a length's end: "%", or two characters of which the first is one of c, e, i,
@@ -134,11 +134,11 @@ std::optional<float> parseNumber(std::string_view text) {
 
 }  // namespace
 
-SvgRootAttributes parseSvgRoot(UnitView tag) { return RootTagScan(tag).run(); }
+SvgRootAttributes parseSvgRoot(Utf16View tag) { return RootTagScan(tag).run(); }
 
-std::optional<float> parseSvgLength(UnitView text, int32_t reference) {
+std::optional<float> parseSvgLength(Utf16View text, int32_t reference) {
   std::string length;  // characters beyond ASCII end the number, whatever they are
-  for (const Unit unit : text) length.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
+  for (const CodeUnit unit : text) length.push_back(unit < 0x80 ? static_cast<char>(unit) : '?');
   const std::string unit = takeUnit(length);
   const std::optional<float> number = parseNumber(length);
   if (!number) return std::nullopt;

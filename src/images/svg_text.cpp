@@ -28,12 +28,12 @@ uint32_t codePoint(const uint8_t* bytes, size_t length) {
   return point;
 }
 
-void appendCodePoint(UnitString& out, uint32_t point) {
+void appendCodePoint(Utf16String& out, uint32_t point) {
   if (point >= 0x10000) {
-    out.push_back(static_cast<Unit>(0xD800 + ((point - 0x10000) >> 10)));
+    out.push_back(static_cast<CodeUnit>(0xD800 + ((point - 0x10000) >> 10)));
     point = 0xDC00 + ((point - 0x10000) & 0x3FF);
   }
-  out.push_back(static_cast<Unit>(point));
+  out.push_back(static_cast<CodeUnit>(point));
 }
 
 template <class Character>
@@ -95,10 +95,10 @@ void SvgText::decodeUtf16(const uint8_t* bytes, size_t size, bool bigEndian) {
   const size_t high = bigEndian ? 0 : 1;
   units_.resize(size / 2);
   for (size_t i = 0; i < units_.size(); ++i)
-    units_[i] = static_cast<Unit>(bytes[2 * i + high] << 8 | bytes[2 * i + 1 - high]);
+    units_[i] = static_cast<CodeUnit>(bytes[2 * i + high] << 8 | bytes[2 * i + 1 - high]);
 }
 
 std::optional<SvgCut> cutSvg(std::string_view text) { return cut(text); }
-std::optional<SvgCut> cutSvg(UnitView text) { return cut(text); }
+std::optional<SvgCut> cutSvg(Utf16View text) { return cut(text); }
 
 }  // namespace qz

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "markup/portability.h"
+#include "base/utf16.h"
 
 namespace qz {
 
@@ -18,10 +18,10 @@ class SvgText {
   SvgText(const SvgText&) = delete;
   SvgText& operator=(const SvgText&) = delete;
 
-  // Calls use(std::string_view) or use(UnitView).
+  // Calls use(std::string_view) or use(Utf16View).
   template <class Use>
   auto visit(Use use) const {
-    return isAscii_ ? use(ascii_) : use(UnitView(units_));
+    return isAscii_ ? use(ascii_) : use(Utf16View(units_));
   }
 
  private:
@@ -30,7 +30,7 @@ class SvgText {
 
   bool isAscii_ = false;
   std::string_view ascii_;
-  UnitString units_;
+  Utf16String units_;
 };
 
 // Where the parts of a picture are: the root start tag from its "<" to its ">", the inside up to
@@ -44,6 +44,6 @@ struct SvgCut {
 // The text is not parsed: the first "<svg" that white space follows is the root, the first ">" ends
 // its tag, be it in quotes, the last "</svg>" ends the inside. None when one of them is missing.
 std::optional<SvgCut> cutSvg(std::string_view text);
-std::optional<SvgCut> cutSvg(UnitView text);
+std::optional<SvgCut> cutSvg(Utf16View text);
 
 }  // namespace qz

@@ -1,21 +1,20 @@
 #include "invert/inversion.h"
 
-#include "markup/wrapping.h"
+#include "base/wrapping.h"
 
 namespace qz {
 namespace {
 
-// Maps each colour channel c to 1 - c and keeps alpha. Blanks before the inner "-1" are left out.
+// Maps each colour channel c to 1 - c and keeps alpha. Spaces before the inner "-1" are left out.
 constexpr char kInvertingMatrix[] =
     "<feColorMatrix values=\"-1 0 0 0 1 0-1 0 0 1 0 0-1 0 1 0 0 0 1 0\"/></filter>";
 
 }  // namespace
 
 void InversionTrace::invertPath(const Path& path) {
-  appendWhole(mask, [&] {
-    mask.append("<path fill=\"white\" d=\"");
-    path.writeGeometry(mask);
-    mask.append("\"/>");
+  mask.appendWhole([&](MarkupText& out) {
+    out.append("<path fill=\"white\"");
+    path.writeBody(out, {});
   });
 }
 

@@ -16,14 +16,15 @@ struct SmallDecimal {
   char text[7];
   uint8_t length;
 };
-inline constexpr int32_t kSmallestDecimal = -9999;
-inline constexpr int32_t kLargestDecimal = 19999;
-inline constexpr uint32_t kDecimalCount = kLargestDecimal - kSmallestDecimal + 1;
+inline constexpr uint32_t kLargestDecimal = 19999;
+inline constexpr uint32_t kDecimalOrigin = 9999;  // the index of 0, and how many are negative
+inline constexpr uint32_t kDecimalCount = kDecimalOrigin + kLargestDecimal + 1;
 extern const std::array<SmallDecimal, kDecimalCount> kDecimals;
 
-// The longest decimal of each width, and how far behind its end a number may touch the buffer.
+// The longest decimal of each width, and how far behind its end writing a number may touch the
+// text.
 template <std::integral Integer>
-inline constexpr size_t kDecimalRoom = sizeof(Integer) > 4 ? 20 : 11;
+inline constexpr size_t kMaxDecimalSize = sizeof(Integer) > 4 ? 20 : 11;
 inline constexpr size_t kDecimalOverrun = sizeof(SmallDecimal) - 1;
 
 // Writes the number whose place in the table is `index`.
@@ -36,9 +37,9 @@ inline char* writeSmallDecimal(char* out, uint32_t index) {
 // Writes a number of any size, four digits at a time: those of 7 stand in "10007".
 inline char* writeUnsigned(char* out, uint64_t value) {
   if (value <= kLargestDecimal)
-    return writeSmallDecimal(out, static_cast<uint32_t>(value) - kSmallestDecimal);
+    return writeSmallDecimal(out, static_cast<uint32_t>(value) + kDecimalOrigin);
   out = writeUnsigned(out, value / 10000);
-  std::memcpy(out, kDecimals[value % 10000 + 10000 - kSmallestDecimal].text + 1, 4);
+  std::memcpy(out, kDecimals[value % 10000 + 10000 + kDecimalOrigin].text + 1, 4);
   return out + 4;
 }
 
@@ -52,7 +53,7 @@ template <std::signed_integral Integer>
 inline char* writeDecimal(char* out, Integer value) {
   static_assert(sizeof(Integer) >= sizeof(int32_t));
   using Unsigned = std::make_unsigned_t<Integer>;
-  const Unsigned index = static_cast<Unsigned>(value) - static_cast<Unsigned>(kSmallestDecimal);
+  const Unsigned index = static_cast<Unsigned>(value) + kDecimalOrigin;
   if (index < kDecimalCount) return writeSmallDecimal(out, static_cast<uint32_t>(index));
   if (value >= 0) return writeUnsigned(out, static_cast<Unsigned>(value));
   *out++ = '-';

@@ -10,11 +10,12 @@ namespace qz {
 class Fraction {
  public:
   explicit Fraction(float value) : value_(value) {}
+  // An opacity, at most 1.
   explicit Fraction(double value) : value_(value) {}
-  // Enough for every single-precision number.
-  size_t room() const { return 48; }
+  // The longest single-precision number: a sign, 39 digits, the point, six digits.
+  size_t maxSize() const { return 47; }
   char* put(char* out) const {
-    return std::to_chars(out, out + room(), value_, std::chars_format::fixed, 6).ptr;
+    return std::to_chars(out, out + maxSize(), value_, std::chars_format::fixed, 6).ptr;
   }
 
  private:

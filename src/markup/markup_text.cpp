@@ -6,23 +6,19 @@
 namespace qz {
 namespace {
 
-// Chunks grow to this size. Tests of exhausted memory build with chunks of one element each.
-#if !defined(QZSVGGEN_CHUNK_BYTES)
-#define QZSVGGEN_CHUNK_BYTES 65536
-#endif
-constexpr size_t kLargestChunk = QZSVGGEN_CHUNK_BYTES - 64;
-constexpr size_t kFirstChunk = std::min<size_t>(4096, kLargestChunk);
+constexpr size_t kFirstChunk = 4096;
+constexpr size_t kLargestChunk = size_t{32} << 20;
 
 // Long text is taken in steps of this size, each all bytes or all 16-bit units.
 constexpr size_t kStep = 1024;
 
-bool fitsBytes(UnitView units) {
+bool fitsBytes(Utf16View units) {
   unsigned bits = 0;
-  for (const Unit unit : units) bits |= unit;
+  for (const CodeUnit unit : units) bits |= unit;
   return bits < 256;
 }
 
-Unit* widen(std::string_view characters, Unit* out) {
+CodeUnit* widen(std::string_view characters, CodeUnit* out) {
   for (const char character : characters) *out++ = static_cast<unsigned char>(character);
   return out;
 }
@@ -38,10 +34,17 @@ void MarkupText::swap(MarkupText& other) noexcept {
   std::swap(closedUnits_, other.closedUnits_);
 }
 
+// Chunks grow with the text. Allocators recycle large blocks only if they have seen some: with
+// blocks that stay small, glibc gives a large page's memory back to the system at its end, and the
+// next page pays for touching all of it again.
 void MarkupText::grow(size_t length) {
-  const size_t previous = last_ == nullptr ? 0 : static_cast<size_t>(limit_ - last_->data());
-  const size_t wanted = std::clamp(2 * previous, kFirstChunk, kLargestChunk);
+#if defined(QZSVGGEN_TIGHT_CHUNKS)
+  const size_t capacity = kHeader + length;
+#else
+  const size_t wanted =
+      std::clamp(3 * size(), kFirstChunk, kLargestChunk) - sizeof(Chunk) - kOverrun;
   const size_t capacity = std::max(wanted, kHeader + length);
+#endif
   auto* chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + capacity + kOverrun));
   chunk->next = nullptr;
   chunk->limit = chunk->data() + capacity;
@@ -64,7 +67,7 @@ void MarkupText::openRun() {
 }
 
 void MarkupText::closeRun() {
-  const auto units = static_cast<uint32_t>(cursor_ - run_ - kHeader);
+  const auto units = static_cast<uint32_t>(cursor_ - run_) - static_cast<uint32_t>(kHeader);
   const uint32_t header = units << 1;
   std::memcpy(run_, &header, kHeader);
   closedUnits_ += units;
@@ -78,9 +81,9 @@ void MarkupText::appendText(std::string_view characters) {
   }
 }
 
-void MarkupText::appendText(UnitView units) {
+void MarkupText::appendText(Utf16View units) {
   while (!units.empty()) {
-    const UnitView step = units.substr(0, kStep);
+    const Utf16View step = units.substr(0, kStep);
     if (fitsBytes(step)) {
       char* const out = reserve(step.size());
       for (size_t i = 0; i < step.size(); ++i) out[i] = static_cast<char>(step[i]);
@@ -94,11 +97,11 @@ void MarkupText::appendText(UnitView units) {
 
 void MarkupText::appendText(const MarkupText& other) {
   other.forEachRun([this](std::string_view run) { appendText(run); },
-                   [this](UnitView run) { appendText(run); });
+                   [this](Utf16View run) { appendText(run); });
 }
 
 // A run of its own, between two runs of bytes.
-void MarkupText::appendWide(UnitView units) {
+void MarkupText::appendWide(Utf16View units) {
   reserve(2 * units.size() + 4 * kHeader);
   if (cursor_ != run_ + kHeader) {
     closeRun();
@@ -110,23 +113,28 @@ void MarkupText::appendWide(UnitView units) {
   cursor_ += 2 * units.size();
   closedUnits_ += units.size();
   openRun();
+  commit(cursor_);
 }
 
-void MarkupText::copyTo(Unit* out) const {
+void MarkupText::copyTo(CodeUnit* out) const {
   forEachRun([&out](std::string_view run) { out = widen(run, out); },
-             [&out](UnitView run) {
+             [&out](Utf16View run) {
                std::memcpy(out, run.data(), 2 * run.size());
                out += run.size();
              });
 }
 
-void MarkupText::splice(MarkupText&& other) noexcept {
-  if (other.first_ == nullptr) return;
+void MarkupText::join(MarkupText& other) noexcept {
+  if (other.empty()) return;
   if (first_ == nullptr) {
     swap(other);
     return;
   }
   closeRun();
+  if (copyShort(other)) {
+    other.restart();
+    return;
+  }
   last_->end = cursor_;
   last_->next = other.first_;
   last_ = other.last_;
@@ -136,6 +144,21 @@ void MarkupText::splice(MarkupText&& other) noexcept {
   closedUnits_ += other.closedUnits_;
   other.first_ = nullptr;
   other.clear();
+}
+
+// Copies a text that is a single small chunk, with its runs as they are, behind the run that was
+// closed. Linked instead, each small text would leave most of a chunk unused.
+bool MarkupText::copyShort(const MarkupText& other) noexcept {
+  char* const place = aligned(cursor_);
+  char* const source = other.first_->data();
+  const auto length = static_cast<size_t>(other.cursor_ - source);
+  if (other.first_ != other.last_ || length > kFirstChunk) return false;
+  if (place > limit_ || static_cast<size_t>(limit_ - place) < length) return false;
+  std::memcpy(place, source, length);
+  run_ = place + (other.run_ - source);
+  cursor_ = place + length;
+  closedUnits_ += other.closedUnits_;
+  return true;
 }
 
 void MarkupText::rewind(const Mark& mark) noexcept {
@@ -154,7 +177,11 @@ void MarkupText::rewind(const Mark& mark) noexcept {
 }
 
 void MarkupText::restart() noexcept {
+#if defined(QZSVGGEN_TIGHT_CHUNKS)
+  clear();
+#else
   if (first_ != nullptr) rewind({first_, first_->data(), first_->data() + kHeader, 0});
+#endif
 }
 
 void MarkupText::clear() noexcept {

@@ -1,64 +1,30 @@
 // The text being built.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 #include <utility>
 
-#include "markup/decimal.h"
-#include "markup/portability.h"
+#include "base/utf16.h"
+#include "markup/pieces.h"
 
 namespace qz {
-
-// How the pieces of an append are written. room() is an upper bound of a piece's length, put()
-// writes it and returns its end; it may touch up to MarkupText::kOverrun characters behind that.
-template <size_t size>
-constexpr size_t room(const char (&)[size]) {
-  return size - 1;
-}
-template <size_t size>
-char* put(char* out, const char (&literal)[size]) {
-  std::memcpy(out, literal, size - 1);
-  return out + size - 1;
-}
-
-inline size_t room(std::string_view text) { return text.size(); }
-inline char* put(char* out, std::string_view text) {
-  return out + text.copy(out, text.size());  // not memcpy: empty text may have no place
-}
-
-template <std::integral Integer>
-constexpr size_t room(Integer) {
-  return kDecimalRoom<Integer>;
-}
-template <std::integral Integer>
-char* put(char* out, Integer value) {
-  return writeDecimal(out, value);
-}
-
-// Further kinds of pieces have room() and put() as members.
-template <class Piece>
-requires requires(const Piece& piece) { piece.room(); }
-size_t room(const Piece& piece) { return piece.room(); }
-template <class Piece>
-requires requires(const Piece& piece) { piece.room(); }
-char* put(char* out, const Piece& piece) { return piece.put(out); }
 
 // Text that only grows at its end, in chunks that never move.
 //
 // Memory touched for the first time costs more than formatting, so markup is kept in 8 bits a
 // character and widened once, into the host's buffer. A chunk holds runs of characters below 256,
 // one byte each, and runs of 16-bit units for host text that needs them; each run starts with a
-// four-byte header. Chunks stay below the size from which allocators map fresh memory each time.
+// four-byte header.
 //
 // Only growing can fail, with std::bad_alloc, and then nothing was appended.
 class MarkupText {
   struct Chunk;
 
  public:
-  static constexpr size_t kOverrun = 64;
-
   MarkupText() = default;
   MarkupText(MarkupText&& other) noexcept { swap(other); }
   MarkupText& operator=(MarkupText&& other) noexcept {
@@ -66,53 +32,68 @@ class MarkupText {
     return *this;
   }
   ~MarkupText() { clear(); }
+  void swap(MarkupText& other) noexcept;
 
-  // Appends literals, short ASCII text, numbers and other pieces, in one step. (Not a `char`, which
-  // would be taken for a number.)
+  // Appends literals, short ASCII text, numbers and other pieces, in one step.
   template <class... Pieces>
   void append(const Pieces&... pieces) {
-    char* out = reserve((room(pieces) + ...));
-    ((out = put(out, pieces)), ...);
-    commit(out);
+    commit(putAll(reserve((maxSize(pieces) + ...)), pieces...));
   }
 
   // Appends text of any length: characters below 256, UTF-16 code units, another text.
   void appendText(std::string_view characters);
-  void appendText(UnitView units);
+  void appendText(Utf16View units);
   void appendText(const MarkupText& other);
+
+  // Lets `write` append to this text; if it throws, the text is as it was before.
+  template <class Write>
+  void appendWhole(Write write) {
+    const Mark before = mark();
+    try {
+      write(*this);
+    } catch (...) {
+      rewind(before);
+      throw;
+    }
+  }
 
   // For pieces written in a loop: `length` characters may be written from the returned place on,
   // and kOverrun behind them touched; commit() takes their end.
   char* reserve(size_t length) {
     if (static_cast<size_t>(limit_ - cursor_) < length) [[unlikely]]
       grow(length);
+#if !defined(NDEBUG)
+    reserved_ = cursor_ + length;
+#endif
     return cursor_;
   }
-  void commit(char* end) { cursor_ = end; }
+  void commit(char* end) {
+#if !defined(NDEBUG)
+    assert(cursor_ <= end && end <= reserved_);
+    reserved_ = end;
+#endif
+    cursor_ = end;
+#if defined(QZSVGGEN_TIGHT_CHUNKS)
+    limit_ = end;  // so that tests see every reserve() fail
+#endif
+  }
 
   // The number of UTF-16 code units.
-  size_t size() const { return run_ == nullptr ? 0 : closedUnits_ + (cursor_ - run_ - kHeader); }
+  size_t size() const {
+    return run_ == nullptr ? 0 : closedUnits_ + static_cast<size_t>(cursor_ - run_) - kHeader;
+  }
   bool empty() const { return size() == 0; }
 
   // Writes all units to `out`, which has room for size() of them.
-  void copyTo(Unit* out) const;
+  void copyTo(CodeUnit* out) const;
 
-  // Calls narrow(std::string_view) or wide(UnitView) for each run, in order.
+  // Calls narrow(std::string_view) or wide(Utf16View) for each run, in order.
   template <class Narrow, class Wide>
   void forEachRun(Narrow narrow, Wide wide) const;
 
-  // Moves the other text to this one's end; the other is empty then. Never fails.
-  void splice(MarkupText&& other) noexcept;
-
-  // A place to return to, as long as nothing was spliced since.
-  struct Mark {
-    Chunk* chunk;
-    char* run;
-    char* cursor;
-    size_t closedUnits;
-  };
-  Mark mark() const { return {last_, run_, cursor_, closedUnits_}; }
-  void rewind(const Mark& mark) noexcept;
+  // Moves the other text to this one's end; the other is empty then. Never fails: a short text is
+  // copied where there is room for it, any other keeps its chunks.
+  void join(MarkupText& other) noexcept;
 
   // Drops the text; the first chunk is kept for reuse.
   void restart() noexcept;
@@ -127,13 +108,23 @@ class MarkupText {
   };
   static constexpr size_t kHeader = 4;
 
-  void swap(MarkupText& other) noexcept;
+  // A place to return to, as long as nothing was joined since.
+  struct Mark {
+    Chunk* chunk;
+    char* run;
+    char* cursor;
+    size_t closedUnits;
+  };
+  Mark mark() const { return {last_, run_, cursor_, closedUnits_}; }
+  void rewind(const Mark& mark) noexcept;
+
   QZ_NOINLINE void grow(size_t length);
   void openRun();
   void closeRun();
-  void appendWide(UnitView units);
+  void appendWide(Utf16View units);
+  bool copyShort(const MarkupText& other) noexcept;
   static char* aligned(char* place) {
-    return place + (-reinterpret_cast<uintptr_t>(place) & (kHeader - 1));
+    return place + ((0 - reinterpret_cast<uintptr_t>(place)) & (kHeader - 1));
   }
 
   Chunk* first_ = nullptr;
@@ -142,19 +133,10 @@ class MarkupText {
   char* cursor_ = nullptr;
   char* limit_ = nullptr;
   size_t closedUnits_ = 0;
+#if !defined(NDEBUG)
+  char* reserved_ = nullptr;  // up to where commit() may be told to have written
+#endif
 };
-
-// Runs something that appends; if it fails, the text is as it was before.
-template <class Writer>
-void appendWhole(MarkupText& out, Writer write) {
-  const MarkupText::Mark before = out.mark();
-  try {
-    write();
-  } catch (...) {
-    out.rewind(before);
-    throw;
-  }
-}
 
 template <class Narrow, class Wide>
 void MarkupText::forEachRun(Narrow narrow, Wide wide) const {
@@ -167,8 +149,9 @@ void MarkupText::forEachRun(Narrow narrow, Wide wide) const {
       // The open run has no length in its header yet.
       const size_t units = run == run_ ? static_cast<size_t>(end - text) : header >> 1;
       const bool isWide = run != run_ && (header & 1) != 0;
+      assert(text + (isWide ? 2 * units : units) <= end);
       if (isWide)
-        wide(UnitView(reinterpret_cast<const Unit*>(text), units));
+        wide(Utf16View(reinterpret_cast<const CodeUnit*>(text), units));
       else
         narrow(std::string_view(text, units));
       run = aligned(text + (isWide ? 2 * units : units));

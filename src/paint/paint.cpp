@@ -1,16 +1,11 @@
 #include "paint/paint.h"
 
+#include <cassert>
+
 #include "markup/fraction.h"
 
 namespace qz {
 namespace {
-
-// Appends pieces to a buffer that is known to be large enough.
-template <class... Pieces>
-char* putAll(char* out, const Pieces&... pieces) {
-  ((out = put(out, pieces)), ...);
-  return out;
-}
 
 char* putColour(char* out, const Colour& colour) {
   return putAll(out, "rgb(", colour.red, ",", colour.green, ",", colour.blue, ")\"");
@@ -42,6 +37,7 @@ PaintAttributes writePaintAttributes(const PaintRecord& record) {
   out = putStroke(out, record.stroke, record.strokeWidth);
   if (record.inverted) out = putAll(out, " filter=\"url(#QZ_V)\"");
   attributes.length_ = static_cast<size_t>(out - begin);
+  assert(attributes.length_ <= PaintAttributes::kLongest);
   return attributes;
 }
 

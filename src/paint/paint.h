@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "markup/markup_text.h"
+#include "markup/pieces.h"
 
 namespace qz {
 
@@ -23,10 +23,10 @@ struct PaintRecord {
   int32_t halfStrokeWidth() const { return static_cast<int32_t>(strokeWidth >> 1); }
 };
 
-// The attribute text of one paint record, with its leading blank: a piece of markup.
+// The attribute text of one paint record, with its leading space: a piece of markup.
 class PaintAttributes {
  public:
-  size_t room() const { return length_; }
+  size_t maxSize() const { return length_; }
   char* put(char* out) const {
     // Most are short: a copy of fixed size is faster than one of the exact length.
     std::memcpy(out, text_.data(), kUsual);
@@ -37,7 +37,7 @@ class PaintAttributes {
 
  private:
   friend PaintAttributes writePaintAttributes(const PaintRecord& record);
-  static constexpr size_t kUsual = MarkupText::kOverrun;
+  static constexpr size_t kUsual = kOverrun;
   static constexpr size_t kLongest = 146;
 
   std::array<char, kLongest + kUsual> text_;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "markup/wrapping.h"
+#include "base/wrapping.h"
 
 namespace qz {
 namespace {
@@ -17,7 +17,7 @@ constexpr uint32_t kHashedStep = 4;
 // What the points so far decide about the text of the next one.
 class PathDataWriter {
  public:
-  static constexpr size_t kRoom = kCoordinatePairRoom + 2;  // a letter or blank, and "z"
+  static constexpr size_t kMaxPointSize = kMaxCoordinatePairSize + 2;  // a letter or space, "z"
 
   char* writePoint(char* out, const POINT& point, uint8_t type) {
     if (type == PT_MOVETO) {
@@ -58,7 +58,8 @@ class PathDataWriter {
   }
 
  private:
-  // The letter only where a run begins; within it a blank, unless a minus sign parts the numbers.
+  // The letter only where a run begins; within it a space, unless a minus sign separates the
+  // numbers.
   char* writeOffset(char* out, const POINT& point, char letter, bool& run) {
     const int32_t x = wrappingSubtract(point.x, reference_.x);
     *out = run ? ' ' : letter;
@@ -86,27 +87,27 @@ class PathDataWriter {
 
 // Calls observe(std::string_view) with the text of each step.
 template <uint32_t step, class Observe>
-void writePath(MarkupText& out, const POINT* points, const uint8_t* types, uint32_t count,
-               Observe observe) {
-  const auto writeStep = [&](size_t room, auto write) {
-    char* const begin = out.reserve(room);
+void writeSteps(MarkupText& out, const TypedPoints& path, Observe observe) {
+  const auto writeStep = [&](size_t maxSize, auto write) {
+    char* const begin = out.reserve(maxSize);
     char* const end = write(begin);
     out.commit(end);
     observe(std::string_view(begin, static_cast<size_t>(end - begin)));
   };
   // The first move is the head of the text, even when it comes late.
-  const uint8_t* const firstMove = std::find(types, types + count, uint8_t{PT_MOVETO});
-  if (firstMove != types + count)
-    writeStep(kCoordinatePairRoom + 1, [&](char* text) {
-      return put(put(text, "M"), CoordinatePair(points[firstMove - types]));
+  const uint8_t* const typesEnd = path.types + path.count;
+  const uint8_t* const firstMove = std::find(path.types, typesEnd, uint8_t{PT_MOVETO});
+  if (firstMove != typesEnd)
+    writeStep(kMaxCoordinatePairSize + 1, [&](char* text) {
+      return putAll(text, "M", CoordinatePair(path.points[firstMove - path.types]));
     });
 
   PathDataWriter writer;
   uint32_t i = 0;
-  while (i < count) {
-    const uint32_t end = i + std::min(step, count - i);
-    writeStep(step * PathDataWriter::kRoom, [&](char* text) {
-      for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
+  while (i < path.count) {
+    const uint32_t end = i + std::min(step, path.count - i);
+    writeStep((end - i) * PathDataWriter::kMaxPointSize, [&](char* text) {
+      for (; i < end; ++i) text = writer.writePoint(text, path.points[i], path.types[i]);
       return text;
     });
   }
@@ -114,22 +115,20 @@ void writePath(MarkupText& out, const POINT* points, const uint8_t* types, uint3
 
 }  // namespace
 
-void writeTypedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
-                        uint32_t count) {
-  writePath<kStep>(out, points, types, count, [](std::string_view) {});
+void writePathData(MarkupText& out, const TypedPoints& path) {
+  writeSteps<kStep>(out, path, [](std::string_view) {});
 }
 
-ContentHash writeHashedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
-                                uint32_t count) {
+ContentHash writeHashedPathData(MarkupText& out, const TypedPoints& path) {
   ContentHash hash;
-  writePath<kHashedStep>(out, points, types, count, [&](std::string_view text) { hash.add(text); });
+  writeSteps<kHashedStep>(out, path, [&](std::string_view text) { hash.add(text); });
   return hash;
 }
 
 void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin) {
   for (uint32_t i = 0; i < count;) {
     const uint32_t end = i + std::min(kStep, count - i);
-    char* text = out.reserve(kStep * (kCoordinatePairRoom + 1));
+    char* text = out.reserve((end - i) * (kMaxCoordinatePairSize + 1));
     for (; i < end; ++i) {
       *text = ' ';
       text = formatCoordinatePair(text + (i != 0), wrappingSubtract(points[i].x, origin.x),

@@ -4,13 +4,13 @@
 #include <cstdint>
 #include <span>
 
-#include "markup/content_key.h"
+#include "markup/content_hash.h"
 #include "markup/markup_text.h"
 
 namespace qz {
 
-// x and y, parted by a blank only when y is not negative: "10 20", "10-20".
-inline constexpr size_t kCoordinatePairRoom = 2 * kDecimalRoom<int32_t> + 1;
+// x and y, separated by a space only when y is not negative: "10 20", "10-20".
+inline constexpr size_t kMaxCoordinatePairSize = 2 * kMaxDecimalSize<int32_t> + 1;
 
 inline char* formatCoordinatePair(char* out, int32_t x, int32_t y) {
   out = writeDecimal(out, x);
@@ -23,28 +23,34 @@ class CoordinatePair {
  public:
   CoordinatePair(int32_t x, int32_t y) : x_(x), y_(y) {}
   explicit CoordinatePair(const POINT& point) : x_(point.x), y_(point.y) {}
-  size_t room() const { return kCoordinatePairRoom; }
+  size_t maxSize() const { return kMaxCoordinatePairSize; }
   char* put(char* out) const { return formatCoordinatePair(out, x_, y_); }
 
  private:
   int32_t x_, y_;
 };
 
-// The path data of points with their types, compared as whole values: one absolute "M", then
+// A path as the host passes it: points, and the type of each.
+struct TypedPoints {
+  const POINT* points = nullptr;
+  const uint8_t* types = nullptr;
+  uint32_t count = 0;
+};
+
+// The path data of points, whose types are compared as whole values: one absolute "M", then
 // relative "m", "l", "c" and "z".
-void writeTypedPathData(MarkupText& out, const POINT* points, const uint8_t* types, uint32_t count);
+void writePathData(MarkupText& out, const TypedPoints& path);
 
 // The same, and the hash of its text.
-ContentHash writeHashedPathData(MarkupText& out, const POINT* points, const uint8_t* types,
-                                uint32_t count);
+ContentHash writeHashedPathData(MarkupText& out, const TypedPoints& path);
 
-// Coordinate pairs less the origin, parted by one blank, also before a negative number.
+// Coordinate pairs less the origin, separated by one space, also before a negative number.
 void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin);
 
 // One closed rectangle. Its width is written unsigned: a negative one wraps around.
 void writeRectangleOutline(MarkupText& out, const RECT& rectangle);
 
-// Closed rectangles, one behind the other.
+// Closed rectangles, one after the other.
 void writeRectangleListPathData(MarkupText& out, std::span<const RECT> rectangles);
 
 }  // namespace qz

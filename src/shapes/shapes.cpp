@@ -1,31 +1,53 @@
 #include "shapes/shapes.h"
 
-#include "markup/wrapping.h"
-#include "shapes/path_data.h"
+#include "base/wrapping.h"
 
 namespace qz {
 
-void Line::writeGeometry(MarkupText& out) const {
-  out.append(" x1=\"", wrappingSubtract(from.x, origin.x), "\" y1=\"",
-             wrappingSubtract(from.y, origin.y), "\" x2=\"", wrappingSubtract(to.x, origin.x),
-             "\" y2=\"", wrappingSubtract(to.y, origin.y), "\"");
+ContentHash Shape::writeHashedBody(MarkupText& out, const Frame& frame) const {
+  MarkupText geometry;
+  writeGeometry(geometry, frame);
+  ContentHash hash;
+  hash.add(geometry);
+  writeBody(out, frame);
+  return hash;
 }
 
-void Path::writeGeometry(MarkupText& out) const { writeTypedPathData(out, points, types, count); }
-
-void Polyline::writeGeometry(MarkupText& out) const { writePointList(out, points, count, origin); }
-
-void Rect::writeGeometry(MarkupText& out) const {
-  const auto moved = [this](int32_t value, int32_t start) {
-    return wrappingAdd(wrappingSubtract(value, start), halfStrokeWidth);
-  };
-  writeRectangleOutline(out, {moved(rect.left, origin.x), moved(rect.top, origin.y),
-                              moved(rect.right, origin.x), moved(rect.bottom, origin.y)});
+void Line::writeBody(MarkupText& out, const Frame& frame) const {
+  writeGeometry(out, frame);
+  out.append("/>");
 }
 
-void writeTransform(MarkupText& out, const Rect& shape) {
-  if (shape.origin.x != 0 || shape.origin.y != 0)
-    out.append(" transform=\"translate(", CoordinatePair(shape.origin), ")\"");
+void Line::writeGeometry(MarkupText& out, const Frame& frame) const {
+  const POINT& origin = frame.origin;
+  out.append(" x1=\"", wrappingSubtract(from_->x, origin.x), "\" y1=\"",
+             wrappingSubtract(from_->y, origin.y), "\" x2=\"", wrappingSubtract(to_->x, origin.x),
+             "\" y2=\"", wrappingSubtract(to_->y, origin.y), "\"");
 }
+
+void PointList::writeBody(MarkupText& out, const Frame& frame) const {
+  out.append(" points=\"");
+  writeGeometry(out, frame);
+  out.append("\"/>");
+}
+
+void PointList::writeGeometry(MarkupText& out, const Frame& frame) const {
+  writePointList(out, points_, count_, frame.origin);
+}
+
+void Path::writeBody(MarkupText& out, const Frame& frame) const {
+  out.append(" d=\"");
+  writeGeometry(out, frame);
+  out.append("\"/>");
+}
+
+ContentHash Path::writeHashedBody(MarkupText& out, const Frame&) const {
+  out.append(" d=\"");
+  const ContentHash hash = writeHashedPathData(out, points_);
+  out.append("\"/>");
+  return hash;
+}
+
+void Path::writeGeometry(MarkupText& out, const Frame&) const { writePathData(out, points_); }
 
 }  // namespace qz

@@ -1,103 +1,108 @@
-// The basic shapes: values that live for one call and write themselves into the page.
+// The basic shapes: values that live for one call, view the host's arguments and write themselves.
 //
-// A shape is written as
-//     <tag> {attributes} {what leads to the geometry} {geometry} <end>
-// with its paint attributes on the page, or with an id in place of them as a glyph of a character
-// block. The plain geometry text also tells whether two glyphs are the same outline.
+// A shape is written as its tag, attributes, and a body up to its end: with paint attributes on the
+// page, with an id in their place as an outline of a character.
 #pragma once
 
 #include <cstdint>
 #include <string_view>
 
+#include "markup/content_hash.h"
 #include "markup/markup_text.h"
+#include "shapes/path_data.h"
 
 namespace qz {
 
-// The fixed texts around a shape's geometry.
-struct ShapeForm {
-  std::string_view tag;
-  std::string_view lead;
-  std::string_view end;
-};
-inline constexpr ShapeForm kLineForm{"<line", "", "/>"};
-inline constexpr ShapeForm kPathForm{"<path", " d=\"", "\"/>"};
-inline constexpr ShapeForm kPolylineForm{"<polyline", " points=\"", "\"/>"};
-inline constexpr ShapeForm kPolygonForm{"<polygon", " points=\"", "\"/>"};
-
-// `origin` is the position of the character that a shape is drawn for, (0, 0) on the page. It is
-// subtracted from all coordinates but those of a path.
-
-struct Line {
-  POINT from, to;
-  POINT origin;
-  const ShapeForm& form() const { return kLineForm; }
-  void writeGeometry(MarkupText& out) const;
+// What a shape's coordinates depend on beside the host's arguments.
+struct Frame {
+  POINT origin{0, 0};           // the position of the character that it is drawn for
+  int32_t halfStrokeWidth = 0;  // by which rectangles on the page are displaced or inset
 };
 
-struct Path {
-  const POINT* points;
-  const uint8_t* types;
-  uint32_t count;
-  POINT origin;
-  const ShapeForm& form() const { return kPathForm; }
-  void writeGeometry(MarkupText& out) const;
+class Shape {
+ public:
+  std::string_view tag() const { return tag_; }
+
+  // Writes what follows the attributes.
+  virtual void writeBody(MarkupText& out, const Frame& frame) const = 0;
+  // The same, and the hash of the plain geometry: outlines of one hash are the same outline.
+  virtual ContentHash writeHashedBody(MarkupText& out, const Frame& frame) const;
+  // The arguments that alone decide the body, whatever the frame, if the shape has such: a path.
+  virtual TypedPoints typedPoints() const { return {}; }
+
+ protected:
+  explicit Shape(std::string_view tag) : tag_(tag) {}
+  ~Shape() = default;
+
+ private:
+  virtual void writeGeometry(MarkupText& out, const Frame& frame) const = 0;
+
+  const std::string_view tag_;  // "<path", for instance
 };
 
-struct Polyline {
-  const POINT* points;
-  uint32_t count;
-  POINT origin;
-  const ShapeForm& form() const { return kPolylineForm; }
-  void writeGeometry(MarkupText& out) const;
+class Line final : public Shape {
+ public:
+  Line(const POINT* from, const POINT* to) : Shape("<line"), from_(from), to_(to) {}
+  void writeBody(MarkupText& out, const Frame& frame) const override;
+
+ private:
+  void writeGeometry(MarkupText& out, const Frame& frame) const override;
+
+  const POINT* const from_;
+  const POINT* const to_;
 };
 
-struct Polygon : Polyline {
-  const ShapeForm& form() const { return kPolygonForm; }
+// A polyline or a polygon.
+class PointList final : public Shape {
+ public:
+  PointList(std::string_view tag, const POINT* points, uint32_t count)
+      : Shape(tag), points_(points), count_(count) {}
+  void writeBody(MarkupText& out, const Frame& frame) const override;
+
+ private:
+  void writeGeometry(MarkupText& out, const Frame& frame) const override;
+
+  const POINT* const points_;
+  const uint32_t count_;
 };
 
-// Always written as a path.
-struct Rect {
-  RECT rect;
-  uint32_t cornerWidth, cornerHeight;  // of the ellipse that forms a corner: twice the radii
-  uint16_t cornerMask;                 // 0 for a plain rectangle
-  int32_t halfStrokeWidth;
-  POINT origin;
-  const ShapeForm& form() const { return kPathForm; }
+// Written as it is given, wherever its character stands.
+class Path final : public Shape {
+ public:
+  explicit Path(const TypedPoints& points) : Shape("<path"), points_(points) {}
+  void writeBody(MarkupText& out, const Frame& frame) const override;
+  ContentHash writeHashedBody(MarkupText& out, const Frame& frame) const override;
+  TypedPoints typedPoints() const override { return points_; }
 
-  // The plain outline, displaced by half the stroke, not shrunk: all four values move alike.
-  void writeGeometry(MarkupText& out) const;
+ private:
+  void writeGeometry(MarkupText& out, const Frame& frame) const override;
 
-  // The outline that is drawn, inset by half the stroke. All four corners are rounded if any of the
-  // four low bits of the mask is set.
-  void writeRoundedRectangleOutline(MarkupText& out) const;
+  const TypedPoints points_;
 };
 
-// What a shape has between its attributes and its lead: only a rectangle is moved to its character.
-void writeTransform(MarkupText& out, const Rect& shape);
-template <class Shape>
-void writeTransform(MarkupText&, const Shape&) {}
+// Always written as a path. Its geometry is the plain outline, displaced by half the stroke, not
+// shrunk: all four values move alike. What is drawn of a rounded one is inset by half the stroke.
+class Rect final : public Shape {
+ public:
+  explicit Rect(const RECT* rectangle) : Rect(rectangle, 0, 0, 0) {}
+  // The corner sizes are those of the ellipse that forms a corner: twice the radii. The rectangle
+  // is plain if the mask is 0; all four corners are rounded if any of its four low bits is set.
+  Rect(const RECT* rectangle, uint32_t cornerWidth, uint32_t cornerHeight, uint16_t cornerMask)
+      : Shape("<path"),
+        rectangle_(rectangle),
+        cornerWidth_(cornerWidth),
+        cornerHeight_(cornerHeight),
+        cornerMask_(cornerMask) {}
+  void writeBody(MarkupText& out, const Frame& frame) const override;
 
-// A shape is drawn with its plain geometry, but for the outline of a rounded rectangle.
-inline bool isRounded(const Rect& shape) { return shape.cornerMask != 0; }
-template <class Shape>
-bool isRounded(const Shape&) {
-  return false;
-}
-inline void writeOutline(MarkupText& out, const Rect& shape) {
-  isRounded(shape) ? shape.writeRoundedRectangleOutline(out) : shape.writeGeometry(out);
-}
-template <class Shape>
-void writeOutline(MarkupText& out, const Shape& shape) {
-  shape.writeGeometry(out);
-}
+ private:
+  void writeGeometry(MarkupText& out, const Frame& frame) const override;
+  void writeRoundedRectangleOutline(MarkupText& out, const Frame& frame) const;
 
-template <class Shape, class Attributes>
-void writeShape(MarkupText& out, const Shape& shape, const Attributes& attributes) {
-  out.append(shape.form().tag, attributes);
-  writeTransform(out, shape);
-  out.append(shape.form().lead);
-  writeOutline(out, shape);
-  out.append(shape.form().end);
-}
+  const RECT* const rectangle_;
+  const uint32_t cornerWidth_;
+  const uint32_t cornerHeight_;
+  const uint16_t cornerMask_;
+};
 
 }  // namespace qz

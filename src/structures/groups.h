@@ -1,51 +1,81 @@
-// The document's structures: annotated groups, and targets. All texts are escaped.
+// The document's structures: annotated groups, and targets. Their texts are the host's, escaped.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
+#include "markup/escaped_text.h"
 #include "markup/markup_text.h"
 
 namespace qz {
 
 // Each kind of group writes its start tag, with its attributes in its own order.
+class Group {
+ public:
+  std::string_view endTag() const { return endTag_; }
+  virtual void writeStartTag(MarkupText& out) const = 0;
 
-struct FormField {
-  static constexpr std::string_view kEndTag = "</g>";
-  uint16_t fieldType;
-  uint8_t fieldFlags;
-  uint8_t exFieldFlags;
-  RECT bounds;
-  UnitView name;
-  const uint64_t* date;  // null but for a date field, whose type data starts with it
-  UnitView typeData;
+ protected:
+  explicit Group(std::string_view endTag) : endTag_(endTag) {}
+  ~Group() = default;
 
-  void writeStartTag(MarkupText& out) const;
+ private:
+  const std::string_view endTag_;
 };
 
-struct Link {
-  static constexpr std::string_view kEndTag = "</a>";
-  uint16_t linkType;
-  UnitView target;
+class FormField final : public Group {
+ public:
+  // The type data is bytes at any address; that of a date starts with eight bytes which are read
+  // whatever the size says.
+  FormField(uint16_t fieldType, uint8_t fieldFlags, uint8_t exFieldFlags, const RECT& bounds,
+            const CodeUnit* name, int32_t nameLength, const void* typeData, int32_t typeDataSize);
+  void writeStartTag(MarkupText& out) const override;
 
-  void writeStartTag(MarkupText& out) const;
+ private:
+  const uint16_t fieldType_;
+  const uint8_t fieldFlags_;
+  const uint8_t exFieldFlags_;
+  const RECT bounds_;
+  const EscapedText name_;
+  const std::optional<uint64_t> date_;
+  const Utf16String typeDataUnits_;
+  const EscapedText typeData_;
 };
 
-struct SignatureField {
-  static constexpr std::string_view kEndTag = "</g>";
-  RECT bounds;
-  UnitView name;
-  UnitView infoData;
+class Link final : public Group {
+ public:
+  Link(uint16_t linkType, const CodeUnit* target, int32_t targetLength);
+  void writeStartTag(MarkupText& out) const override;
 
-  void writeStartTag(MarkupText& out) const;
+ private:
+  const uint16_t linkType_;
+  const EscapedText target_;
+};
+
+class SignatureField final : public Group {
+ public:
+  SignatureField(const RECT& bounds, const CodeUnit* name, int32_t nameLength,
+                 const CodeUnit* infoData, int32_t infoDataSize);
+  void writeStartTag(MarkupText& out) const override;
+
+ private:
+  const RECT bounds_;
+  const EscapedText name_;
+  const EscapedText infoData_;
 };
 
 // A position that links can lead to.
-struct DocumentTarget {
-  POINT position;
-  UnitView name;
-
+class DocumentTarget {
+ public:
+  DocumentTarget(const POINT& position, const CodeUnit* name, int32_t nameLength)
+      : position_(position), name_(name, nameLength) {}
   void write(MarkupText& out) const;
+  bool usesExtensionNamespace() const { return true; }
+
+ private:
+  const POINT position_;
+  const EscapedText name_;
 };
 
 }  // namespace qz

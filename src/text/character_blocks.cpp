@@ -1,99 +1,119 @@
 #include "text/character_blocks.h"
 
-#include "markup/growth.h"
-#include "markup/wrapping.h"
+#include <cassert>
+
+#include "base/make_room.h"
+#include "base/wrapping.h"
 
 namespace qz {
 namespace {
 
 // The id of a glyph, as a piece of markup.
 struct GlyphId {
-  int32_t block;
-  int32_t character;
-  int32_t part;
-  size_t room() const { return 40; }
+  const Glyph& glyph;
+  size_t maxSize() const { return 3 + 1 + 1 + 3 * kMaxDecimalSize<int32_t>; }
   char* put(char* out) const {
-    using qz::put;
-    out = put(writeDecimal(put(out, "QZ_"), block), "_");
-    out = writeDecimal(out, character);
-    return part < 0 ? out : writeDecimal(put(out, "."), part);
+    out = putAll(out, "QZ_", glyph.block, "_", glyph.character);
+    return glyph.part == Glyph::kOnlyPart ? out : putAll(out, ".", glyph.part);
   }
 };
 
 // One coordinate of a use, left out when it is 0.
 struct OffsetAttribute {
-  char name;
+  std::string_view start;  // " x=\"", for instance
   int32_t value;
-  size_t room() const { return 16; }
-  char* put(char* out) const {
-    using qz::put;
-    if (value == 0) return out;
-    out = put(out, " ");
-    *out++ = name;
-    return put(writeDecimal(put(out, "=\""), value), "\"");
-  }
+  size_t maxSize() const { return start.size() + kMaxDecimalSize<int32_t> + 1; }
+  char* put(char* out) const { return value == 0 ? out : putAll(out, start, value, "\""); }
 };
 
 }  // namespace
 
-void CharacterBlocks::begin(PageContent& content, RegionNumber region,
-                            const PaintAttributes& paint) {
-  content.appendElement(region, [&](MarkupText& out) { out.append("<g", paint, ">"); });
-  content.openBlock();
+void CharacterBlocks::begin(const PaintAttributes& paint) {
+  assert(!open_ && text_.empty());
+  text_.append("<g", paint, ">");
   ++blockCount_;
-  firstGlyphs_.clear();
+  open_ = true;
 }
 
-void CharacterBlocks::end(PageContent& content) {
-  MarkupText& out = content.block();
-  appendWhole(out, [&] { writeEnd(out); });
-  pending_ = false;
+MarkupText& CharacterBlocks::end() {
+  assert(open_);
+  text_.appendWhole([this](MarkupText& out) { writeEnd(out); });
+  bodyWaits_ = false;
   firstGlyphs_.clear();
-  content.closeBlock();
+  open_ = false;
+  return text_;
 }
 
 void CharacterBlocks::writeEnd(MarkupText& out) const {
-  if (hasCharacter()) {
-    if (pending_) writePending(out, kOnlyPart);
-    writeReference(out);
-  }
+  writeCharacterEnd(out);
   out.append("</g>");
 }
 
-void CharacterBlocks::beginCharacter(PageContent& content, const POINT& position,
-                                     int32_t reference) {
-  reserveMore(firstGlyphs_, 1);
-  if (hasCharacter()) finishCharacter(content);
+void CharacterBlocks::beginCharacter(const POINT& position, std::optional<uint32_t> reference) {
+  makeRoom(firstGlyphs_);
+  text_.appendWhole([this](MarkupText& out) { writeCharacterEnd(out); });
+  bodyWaits_ = false;
   firstGlyphs_.push_back(kNoGlyph);
   position_ = position;
   reference_ = reference;
   partCount_ = 0;
 }
 
-void CharacterBlocks::finishCharacter(PageContent& content) {
-  MarkupText& out = content.block();
-  if (pending_) writePending(out, kOnlyPart);
-  pending_ = false;
-  writeReference(out);
-  reference_ = kNoReference;
-}
-
 // Only what this block has drawn itself can be repeated: a character that was a reference has no
 // outline of its own.
-void CharacterBlocks::writeReference(MarkupText& out) const {
-  if (partCount_ != 0 || reference_ < 0 || reference_ > character()) return;
-  const int32_t glyph = firstGlyphs_[static_cast<size_t>(reference_)];
-  if (glyph != kNoGlyph) writeUse(out, static_cast<GlyphNumber>(glyph));
+void CharacterBlocks::writeCharacterEnd(MarkupText& out) const {
+  if (bodyWaits_) {
+    out.append("\"");
+    out.appendText(body_);
+  }
+  if (partCount_ != 0 || !reference_ || *reference_ >= firstGlyphs_.size()) return;
+  const GlyphNumber glyph = firstGlyphs_[*reference_];
+  if (glyph != kNoGlyph) writeUse(out, glyph);
 }
 
-void CharacterBlocks::writePending(MarkupText& out, int32_t part) const {
-  appendWhole(out, [&] {
-    out.append(pendingForm_.tag, " id=\"", GlyphId{blockCount_ - 1, character(), part}, "\"");
-    out.appendText(pendingTransform_);
-    out.append(pendingForm_.lead);
-    out.appendText(geometry_);
-    out.append(pendingForm_.end);
+void CharacterBlocks::draw(const Shape& shape) {
+  if (firstGlyphs_.empty()) return;
+  if (bodyWaits_) {  // so it was the first part of several
+    text_.appendWhole([this](MarkupText& out) {
+      out.append(".0\"");
+      out.appendText(body_);
+    });
+    glyphs_[firstGlyphs_.back()].part = 0;
+    bodyWaits_ = false;
+  }
+  const GlyphNumber glyph = place(shape);
+  if (partCount_ == 0) firstGlyphs_.back() = glyph;
+  ++partCount_;
+}
+
+// Writes an outline, or a use of the one that it equals.
+GlyphNumber CharacterBlocks::place(const Shape& shape) {
+  std::optional<GlyphNumber> known = glyphs_.findByPoints(shape.typedPoints());
+  if (!known) {
+    body_.restart();
+    const uint64_t textHash = shape.writeHashedBody(body_, {position_, 0}).value();
+    known = glyphs_.findByText(textHash);
+    if (!known) return define(shape, textHash);
+    glyphs_.rememberPoints(shape.typedPoints(), *known);
+  }
+  writeUse(text_, *known);
+  return *known;
+}
+
+// An outline that is seen for the first time; its body is written already.
+GlyphNumber CharacterBlocks::define(const Shape& shape, uint64_t textHash) {
+  const int32_t part = partCount_ == 0 ? Glyph::kOnlyPart : partCount_;
+  const Glyph glyph{blockCount_ - 1, character(), part, position_};
+  glyphs_.makeRoom();
+  text_.appendWhole([&](MarkupText& out) {
+    out.append(shape.tag(), " id=\"", GlyphId{glyph});
+    if (partCount_ == 0) return;
+    out.append("\"");
+    out.appendText(body_);
   });
+  bodyWaits_ = partCount_ == 0;
+  glyphs_.add(textHash, glyph);
+  return glyphs_.count() - 1;
 }
 
 // A character at (0, 0) is the exception: it gets the glyph's position as it is, not negated.
@@ -103,9 +123,9 @@ void CharacterBlocks::writeUse(MarkupText& out, GlyphNumber number) const {
   if (position_.x != 0 || position_.y != 0)
     offset = {wrappingSubtract(position_.x, glyph.origin.x),
               wrappingSubtract(position_.y, glyph.origin.y)};
-  out.append("<use xlink:href=\"#", GlyphId{glyph.block, glyph.character, glyph.part}, "\"",
-             OffsetAttribute{'x', static_cast<int32_t>(offset.x)},
-             OffsetAttribute{'y', static_cast<int32_t>(offset.y)}, "/>");
+  out.append("<use xlink:href=\"#", GlyphId{glyph}, "\"",
+             OffsetAttribute{" x=\"", static_cast<int32_t>(offset.x)},
+             OffsetAttribute{" y=\"", static_cast<int32_t>(offset.y)}, "/>");
 }
 
 }  // namespace qz

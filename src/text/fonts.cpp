@@ -2,40 +2,37 @@
 
 #include <algorithm>
 
+#include "base/make_room.h"
+#include "markup/content_hash.h"
+
 namespace qz {
-namespace {
 
-void appendAscii(UnitString& out, std::string_view text) { out.append(text.begin(), text.end()); }
-
-}  // namespace
-
-void Fonts::set(UnitView escapedFamily, int32_t size, bool italic, bool bold) {
-  const size_t first = cssTexts_.size();
-  try {
-    char digits[kDecimalRoom<int32_t> + kDecimalOverrun];
-    appendAscii(cssTexts_, "font:");
-    if (bold) appendAscii(cssTexts_, "bold ");
-    if (italic) appendAscii(cssTexts_, "italic ");
-    appendAscii(cssTexts_, {digits, static_cast<size_t>(writeDecimal(digits, size) - digits)});
-    appendAscii(cssTexts_, "px ");
-    cssTexts_.append(escapedFamily);
-    appendAscii(cssTexts_, ";");
-
-    ContentHash key;
-    key.add(UnitView(cssTexts_).substr(first));
-    if (const auto known = index_.find(key.value())) {
-      cssTexts_.resize(first);
-      current_ = static_cast<FontNumber>(*known);
-      return;
-    }
-    index_.reserveOne();
-    fonts_.push_back({first, cssTexts_.size() - first, false});
-    current_ = static_cast<FontNumber>(fonts_.size() - 1);
-    index_.insert(key.value(), static_cast<KeyIndex::Number>(current_));
-  } catch (...) {
-    cssTexts_.resize(first);
-    throw;
+void Fonts::set(Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
+  writeCss(escapedFamily, size, italic, bold);
+  ContentHash key;
+  key.add(Utf16View(css_));
+  if (const auto known = index_.find(key.value())) {
+    current_ = static_cast<FontNumber>(*known);
+    return;
   }
+  index_.makeRoom();
+  makeRoom(fonts_);
+  fonts_.push_back({std::move(css_), false});
+  current_ = static_cast<FontNumber>(fonts_.size() - 1);
+  index_.insert(key.value(), static_cast<HashIndex::Number>(current_));
+}
+
+void Fonts::writeCss(Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
+  const auto append = [this](std::string_view text) { css_.append(text.begin(), text.end()); };
+  css_.clear();
+  append("font:");
+  if (bold) append("bold ");
+  if (italic) append("italic ");
+  char digits[kMaxDecimalSize<int32_t> + kDecimalOverrun];
+  append({digits, static_cast<size_t>(writeDecimal(digits, size) - digits)});
+  append("px ");
+  css_.append(escapedFamily);
+  append(";");
 }
 
 void Fonts::write(MarkupText& out) const {
@@ -46,7 +43,7 @@ void Fonts::write(MarkupText& out) const {
     const FontStyleSheet& font = fonts_[number];
     if (!font.used) continue;
     out.append(".QZ_fnt", number, "{");
-    out.appendText(UnitView(cssTexts_).substr(font.firstUnit, font.unitCount));
+    out.appendText(Utf16View(font.css));
     out.append("}");
   }
   out.append("</style>");

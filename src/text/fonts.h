@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "markup/content_key.h"
+#include "base/hash_index.h"
 #include "markup/markup_text.h"
 
 namespace qz {
@@ -13,10 +13,8 @@ namespace qz {
 using FontNumber = int32_t;
 inline constexpr FontNumber kNoFont = -1;
 
-// One CSS rule, a stretch of the fonts' common text.
 struct FontStyleSheet {
-  size_t firstUnit;
-  size_t unitCount;
+  Utf16String css;
   bool used;  // a text run refers to it, so it is written
 };
 
@@ -26,7 +24,7 @@ class Fonts {
   FontNumber current() const { return current_; }
 
   // A font is known by the hash of its CSS text alone: two texts with one hash share a rule.
-  void set(UnitView escapedFamily, int32_t size, bool italic, bool bold);
+  void set(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
   void clear() { current_ = kNoFont; }
   void markUsed(FontNumber font) {
     if (font != kNoFont) fonts_[static_cast<size_t>(font)].used = true;
@@ -36,9 +34,11 @@ class Fonts {
   void write(MarkupText& out) const;
 
  private:
-  UnitString cssTexts_;
+  void writeCss(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
+
+  Utf16String css_;  // of the font that is being set
   std::vector<FontStyleSheet> fonts_;
-  KeyIndex index_;
+  HashIndex index_;
   FontNumber current_ = kNoFont;
 };
 

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "markup/content_key.h"
-#include "shapes/shapes.h"
+#include "base/hash_index.h"
+#include "shapes/path_data.h"
 
 namespace qz {
 
@@ -16,41 +16,29 @@ using GlyphNumber = uint32_t;
 // A written outline: its id is "QZ_{block}_{character}", with ".{part}" when its character has
 // several outlines.
 struct Glyph {
+  static constexpr int32_t kOnlyPart = -1;
   int32_t block;
   int32_t character;
-  int32_t part;  // negative when it is the character's only one
+  int32_t part;  // kOnlyPart when it is the character's only one
   POINT origin;  // the position of the character it was drawn for
 };
 
-// Finds outlines by the hash of their geometry text: outlines of one hash are the same outline.
+// Finds outlines by the hash of their geometry's text: outlines of one hash are the same outline.
 //
 // Most paths are drawn again with the very same points, so paths are looked for by their points
 // first, and only on a miss by their text. (Points of ignored types can give one text from
 // different arguments.)
 class GlyphIndex {
  public:
-  // An outline that is looked for: its number if it is known, else what adding it takes.
-  struct Search {
-    std::optional<GlyphNumber> glyph;
-    uint64_t textKey;
-    uint64_t pointsKey;
-  };
+  std::optional<GlyphNumber> findByText(uint64_t textHash) const { return texts_.find(textHash); }
+  std::optional<GlyphNumber> findByPoints(const TypedPoints& path) const;
 
-  // If the outline is not known, `geometry` holds its plain text afterwards.
-  Search find(const Path& path, MarkupText& geometry) const;
-  template <class Shape>
-  Search find(const Shape& shape, MarkupText& geometry) const {
-    return findByText(shape, geometry);
-  }
-
-  // Adds the outline under the number count(). After reserveOne() it cannot fail.
-  void reserveOne();
-  void add(const Search& search, const Glyph& glyph) noexcept;
+  // Adds the outline under the number count(). After makeRoom() it cannot fail.
+  void makeRoom();
+  void add(uint64_t textHash, const Glyph& glyph) noexcept;
   // Remembers the points of a path that was found by its text: it comes again, so it will come more
   // often. Most outlines of a page that are new never come again.
-  void remember(const Search& search, const Path& path, GlyphNumber number);
-  template <class Shape>
-  void remember(const Search&, const Shape&, GlyphNumber) {}
+  void rememberPoints(const TypedPoints& path, GlyphNumber number) noexcept;
 
   Glyph& operator[](GlyphNumber number) { return glyphs_[number]; }
   const Glyph& operator[](GlyphNumber number) const { return glyphs_[number]; }
@@ -61,21 +49,13 @@ class GlyphIndex {
     const unsigned char* bytes;  // the points, then the types
     uint32_t count;
     GlyphNumber glyph;
-    bool equals(const Path& path) const;
+    bool equals(const TypedPoints& path) const;
   };
-
-  template <class Shape>
-  Search findByText(const Shape& shape, MarkupText& geometry) const {
-    geometry.restart();
-    shape.writeGeometry(geometry);
-    ContentHash key;
-    key.add(geometry);
-    return {texts_.find(key.value()), key.value(), 0};
-  }
+  uint64_t hashPoints(const TypedPoints& path) const;
 
   std::vector<Glyph> glyphs_;
-  KeyIndex texts_;
-  KeyIndex points_;
+  HashIndex texts_;
+  HashIndex points_;
   std::vector<KnownPath> paths_;
   std::pmr::monotonic_buffer_resource pathBytes_{std::pmr::new_delete_resource()};
 };

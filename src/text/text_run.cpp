@@ -2,19 +2,20 @@
 
 #include <algorithm>
 
-#include "markup/wrapping.h"
+#include "base/wrapping.h"
 
 namespace qz {
 namespace {
 
 constexpr int32_t kStep = 64;
 
-// Writes the x coordinate of each character and returns where the run ends. Positions are parted by
-// a blank, but a negative one follows directly: its minus sign parts them. Readers rely on it.
+// Writes the x coordinate of each character and returns where the run ends. Positions are separated
+// by a space, but a negative one follows directly, separated by its minus sign. That is the format,
+// although browsers do not read such a list.
 int32_t writePositions(MarkupText& out, int32_t x, const int32_t* advances, int32_t count) {
   for (int32_t i = 0; i < count;) {
     const int32_t end = i + std::min(kStep, count - i);
-    char* text = out.reserve(kStep * (kDecimalRoom<int32_t> + 1));
+    char* text = out.reserve(static_cast<size_t>(end - i) * (kMaxDecimalSize<int32_t> + 1));
     for (; i < end; ++i) {
       *text = ' ';
       text = writeDecimal(text + (i != 0 && x >= 0), x);
@@ -27,7 +28,7 @@ int32_t writePositions(MarkupText& out, int32_t x, const int32_t* advances, int3
 
 }  // namespace
 
-void Text::write(MarkupText& out, const PaintAttributes& paint) const {
+void TextRun::write(MarkupText& out) const {
   const int32_t x = origin.x;
   const int32_t y = origin.y;
   int32_t end = x;
@@ -40,7 +41,7 @@ void Text::write(MarkupText& out, const PaintAttributes& paint) const {
   if (font != kNoFont) out.append(" class=\"QZ_fnt", font, "\"");
   out.append(paint);
   if (isScaled()) {
-    // The blank before the equals sign is part of the format.
+    // The space before the equals sign is part of the format.
     out.append(" textLength=\"", wrappingSubtract(end, x),
                "\" lengthAdjust=\"spacingAndGlyphs\" velumark:characterScaling =\"",
                characterScaling, "\"");

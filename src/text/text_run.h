@@ -3,26 +3,28 @@
 
 #include <cstdint>
 
+#include "markup/escaped_text.h"
 #include "markup/markup_text.h"
 #include "paint/paint.h"
-#include "text/escaped_text.h"
 #include "text/fonts.h"
 
 namespace qz {
 
 // A run of characters, with a position for each or for the first alone.
-struct Text {
-  UnitView escapedText;
+struct TextRun {
+  Utf16View escapedText;
   POINT origin;
   const int32_t* advances;  // null, or one for each of `count` code units
   int32_t count;
-  FontNumber font;
   uint32_t characterScaling;  // percent
+  FontNumber font;
+  const PaintAttributes& paint;
 
   // A scaling without advances is ignored: there is no length to scale to.
   bool isScaled() const { return characterScaling != 100 && advances != nullptr; }
 
-  void write(MarkupText& out, const PaintAttributes& paint) const;
+  void write(MarkupText& out) const;
+  bool usesExtensionNamespace() const { return isScaled(); }
 };
 
 }  // namespace qz

@@ -13,7 +13,7 @@
 #include <set>
 
 #include "api/svg_generator.h"
-#include "document/document.h"
+#include "page/document.h"
 #include "pages.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "markup/portability.h"
+#include "base/utf16.h"
 
 namespace qz {
 
@@ -14,16 +14,15 @@ namespace qz {
 // this object.
 class EscapedText {
  public:
-  EscapedText(const Unit* text, int64_t count);
+  EscapedText(const CodeUnit* text, int64_t count);
   EscapedText(const EscapedText&) = delete;
   EscapedText& operator=(const EscapedText&) = delete;
 
-  UnitView view() const { return view_; }
-  bool empty() const { return view_.empty(); }
+  Utf16View view() const { return view_; }
 
  private:
-  UnitString replaced_;
-  UnitView view_;
+  Utf16String replaced_;
+  Utf16View view_;
 };
 
 }  // namespace qz

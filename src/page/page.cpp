@@ -1,0 +1,102 @@
+#include "page/page.h"
+
+#include "text/text_run.h"
+
+namespace qz {
+namespace {
+
+struct PaintedShape {
+  const Shape& shape;
+  const PaintState& paint;
+
+  void write(MarkupText& out) const {
+    out.append(shape.tag(), paint.attributes());
+    shape.writeBody(out, {{0, 0}, paint.current().halfStrokeWidth()});
+  }
+  bool usesExtensionNamespace() const { return false; }
+};
+
+}  // namespace
+
+// Whatever is drawn goes through here: it enters the current region, marks it, and declares the
+// extension namespace if it uses it.
+template <class Element>
+void Page::addElement(const Element& element) {
+  const RegionNumber region = clips.current();
+  content_.addElement(region, [&](MarkupText& out) { element.write(out); });
+  clips.markUsed(region);
+  usesExtensionNamespace_ |= element.usesExtensionNamespace();
+}
+
+void Page::setFill(Colour fill) {
+  paint_.setFill(fill, invertPainting_);
+  noteInversion();
+}
+
+void Page::setStroke(Colour stroke, uint32_t width) {
+  paint_.setStroke(stroke, width, invertPainting_);
+  noteInversion();
+}
+
+// Paint that is set while invert painting is on leaves its trace in the generator.
+void Page::noteInversion() {
+  if (invertPainting_) inversion_.usesInversion = true;
+}
+
+void Page::draw(const Shape& shape) {
+  if (blocks_.isOpen())
+    blocks_.draw(shape);
+  else
+    addElement(PaintedShape{shape, paint_});
+}
+
+void Page::drawText(const CodeUnit* text, int32_t length, const POINT& origin,
+                    const int32_t* advances, uint32_t characterScaling) {
+  const EscapedText escapedText(text, length);
+  const FontNumber font = fonts.current();
+  addElement(TextRun{escapedText.view(), origin, advances, length, characterScaling, font,
+                     paint_.attributes()});
+  fonts.markUsed(font);
+}
+
+void Page::place(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
+                 uint16_t quality) {
+  if (format == SVG_IMAGE_SVG) {
+    if (const auto id = svgImages_.findOrRegister(bounds, data, size))
+      addElement(Symbol{*id, {bounds.left, bounds.top}});
+  } else {
+    if (const auto id = rasterImages_.findOrRegister(format, bounds, data, size))
+      addElement(Image{*id, bounds, quality});
+  }
+}
+
+void Page::addTarget(const DocumentTarget& target) { addElement(target); }
+
+void Page::beginBlock() {
+  endBlock();
+  struct BlockStart {
+    CharacterBlocks& blocks;
+    const PaintAttributes& paint;
+    void write(MarkupText&) const { blocks.begin(paint); }  // to the block's own text
+    bool usesExtensionNamespace() const { return false; }
+  };
+  addElement(BlockStart{blocks_, paint_.attributes()});
+  content_.beginBlock();
+}
+
+void Page::endBlock() {
+  if (blocks_.isOpen()) content_.endBlock(blocks_.end());
+}
+
+void Page::beginCharacter(const POINT* position, std::optional<uint32_t> reference) {
+  if (blocks_.isOpen()) blocks_.beginCharacter(*position, reference);
+}
+
+void Page::openGroup(const Group& group) {
+  const RegionNumber region = clips.current();
+  content_.openGroup(region, group);
+  clips.markUsed(region);
+  usesExtensionNamespace_ = true;
+}
+
+}  // namespace qz

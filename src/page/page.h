@@ -1,0 +1,81 @@
+// The page that is recorded: where the modules meet.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "clip/clip_regions.h"
+#include "images/raster_images.h"
+#include "images/svg_images.h"
+#include "invert/inversion.h"
+#include "page/page_content.h"
+#include "paint/paint.h"
+#include "shapes/shapes.h"
+#include "text/character_blocks.h"
+#include "text/fonts.h"
+
+namespace qz {
+
+// The sum of the modules' small states. What needs one module alone is that module's own operation
+// (`clips`, `fonts`); what needs several is an operation of the page.
+//
+// A call whose memory is exhausted throws std::bad_alloc and leaves the page as it was, or with a
+// part of a picture or a character; every page closes to a well-formed document.
+class Page {
+ public:
+  // The inversion is the generator's and outlives the page.
+  Page(const RECT& rectangle, InversionTrace& inversion)
+      : rectangle_(rectangle), inversion_(inversion) {}
+
+  ClipRegions clips;
+  Fonts fonts;
+
+  void excludeFromRegion(const RECT& rectangle) { clips.exclude(rectangle, rectangle_); }
+
+  void setFill(Colour fill);
+  void setStroke(Colour stroke, uint32_t width);
+  void setInvertPainting(bool on) { invertPainting_ = on; }
+  void invertPath(const Path& path) { inversion_.invertPath(path); }
+  void invertRectangle(const RECT& rectangle) { invertedRegions_.add(rectangle); }
+
+  // Draws a shape: an outline of the newest character while a character block is open.
+  void draw(const Shape& shape);
+  void drawText(const CodeUnit* text, int32_t length, const POINT& origin, const int32_t* advances,
+                uint32_t characterScaling);
+  void place(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
+             uint16_t quality);
+  void addTarget(const DocumentTarget& target);
+
+  void beginBlock();
+  void endBlock();
+  void beginCharacter(const POINT* position, std::optional<uint32_t> reference);
+
+  void openGroup(const Group& group);
+  void closeGroup() { content_.closeGroup(); }
+
+  // The page as a finished document, taken off the page. Fails only before anything was taken, also
+  // with std::length_error when documentSize() would tell no size: then the page is unchanged.
+  MarkupText takeDocument(int32_t extraLength);
+
+ private:
+  template <class Element>
+  void addElement(const Element& element);
+  void noteInversion();
+
+  MarkupText writeStart() const;
+  MarkupText writeMiddle() const;
+  MarkupText writeEnd() const;
+
+  const RECT rectangle_;
+  bool usesExtensionNamespace_ = false;
+  bool invertPainting_ = false;
+  PaintState paint_;
+  RasterImages rasterImages_;
+  SvgImages svgImages_;
+  InvertedRegions invertedRegions_;
+  CharacterBlocks blocks_;
+  PageContent content_;
+  InversionTrace& inversion_;
+};
+
+}  // namespace qz
