@@ -101,7 +101,7 @@ int32_t QZSVGGEN_CALL SVG_EndInvertPainting(SvgGenerator* generator) noexcept {
 
 int32_t QZSVGGEN_CALL SVG_InvertPath(SvgGenerator* generator, const POINT* points,
                                      const uint8_t* types, uint32_t count) noexcept {
-  return record(generator, [=](Page& page) { page.invertPath(Path({points, types, count})); });
+  return record(generator, [=](Page& page) { page.invertPath(Path(points, types, count)); });
 }
 
 int32_t QZSVGGEN_CALL SVG_InvertRectangle(SvgGenerator* generator, const RECT* rectangle) noexcept {
@@ -127,17 +127,17 @@ int32_t QZSVGGEN_CALL SVG_DrawRoundedRectangle(SvgGenerator* generator, const RE
 
 int32_t QZSVGGEN_CALL SVG_DrawPolyline(SvgGenerator* generator, const POINT* points,
                                        uint32_t count) noexcept {
-  return count == 0 ? 0 : draw(generator, PointList("<polyline", points, count));
+  return count == 0 ? 0 : draw(generator, PointList(kPolylineTag, points, count));
 }
 
 int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, const POINT* points,
                                       uint32_t count) noexcept {
-  return count == 0 ? 0 : draw(generator, PointList("<polygon", points, count));
+  return count == 0 ? 0 : draw(generator, PointList(kPolygonTag, points, count));
 }
 
 int32_t QZSVGGEN_CALL SVG_DrawPath(SvgGenerator* generator, const POINT* points,
                                    const uint8_t* types, uint32_t count) noexcept {
-  return draw(generator, Path({points, types, count}));
+  return draw(generator, Path(points, types, count));
 }
 
 // ---- Text ---------------------------------------------------------------------------------------

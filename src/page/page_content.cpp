@@ -5,7 +5,7 @@ namespace qz {
 void PageContent::openGroup(RegionNumber region, const Group& group) {
   text_.appendWhole([&](MarkupText& out) {
     out.append(groupEnd_);
-    writeRegionChange(out, region);
+    if (region != region_) writeRegionChange(out, region);
     group.writeStartTag(out);
   });
   region_ = region;
@@ -18,7 +18,6 @@ void PageContent::closeGroup() {
 }
 
 void PageContent::writeRegionChange(MarkupText& out, RegionNumber region) const {
-  if (region == region_) return;
   if (region_ != kNoRegion) out.append("</g>");
   if (region != kNoRegion) out.append("<g clip-path=\"url(#QZ_C", region, ")\">");
 }

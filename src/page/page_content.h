@@ -24,7 +24,7 @@ class PageContent {
   void addElement(RegionNumber region, Write write) {
     if (!groupEnd_.empty()) return text_.appendWhole(write);
     text_.appendWhole([&](MarkupText& out) {
-      writeRegionChange(out, region);
+      if (region != region_) writeRegionChange(out, region);
       write(out);
     });
     region_ = region;

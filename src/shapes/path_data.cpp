@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "base/wrapping.h"
-
 namespace qz {
 namespace {
 
@@ -88,6 +86,10 @@ class PathDataWriter {
 // Calls observe(std::string_view) with the text of each step.
 template <uint32_t step, class Observe>
 void writeSteps(MarkupText& out, const TypedPoints& path, Observe observe) {
+  // Copies: the compiler must assume that the text which is written overlaps `path`.
+  const POINT* const points = path.points;
+  const uint8_t* const types = path.types;
+  const uint32_t count = path.count;
   const auto writeStep = [&](size_t maxSize, auto write) {
     char* const begin = out.reserve(maxSize);
     char* const end = write(begin);
@@ -95,19 +97,18 @@ void writeSteps(MarkupText& out, const TypedPoints& path, Observe observe) {
     observe(std::string_view(begin, static_cast<size_t>(end - begin)));
   };
   // The first move is the head of the text, even when it comes late.
-  const uint8_t* const typesEnd = path.types + path.count;
-  const uint8_t* const firstMove = std::find(path.types, typesEnd, uint8_t{PT_MOVETO});
-  if (firstMove != typesEnd)
+  const uint8_t* const firstMove = std::find(types, types + count, uint8_t{PT_MOVETO});
+  if (firstMove != types + count)
     writeStep(kMaxCoordinatePairSize + 1, [&](char* text) {
-      return putAll(text, "M", CoordinatePair(path.points[firstMove - path.types]));
+      return putAll(text, "M", CoordinatePair(points[firstMove - types]));
     });
 
   PathDataWriter writer;
   uint32_t i = 0;
-  while (i < path.count) {
-    const uint32_t end = i + std::min(step, path.count - i);
+  while (i < count) {
+    const uint32_t end = i + std::min(step, count - i);
     writeStep((end - i) * PathDataWriter::kMaxPointSize, [&](char* text) {
-      for (; i < end; ++i) text = writer.writePoint(text, path.points[i], path.types[i]);
+      for (; i < end; ++i) text = writer.writePoint(text, points[i], types[i]);
       return text;
     });
   }
@@ -136,12 +137,6 @@ void writePointList(MarkupText& out, const POINT* points, uint32_t count, const 
     }
     out.commit(text);
   }
-}
-
-void writeRectangleOutline(MarkupText& out, const RECT& rectangle) {
-  const auto width = static_cast<uint32_t>(wrappingSubtract(rectangle.right, rectangle.left));
-  out.append("M", CoordinatePair(rectangle.left, rectangle.top), "h", width, "v",
-             wrappingSubtract(rectangle.bottom, rectangle.top), "h-", width, "z");
 }
 
 void writeRectangleListPathData(MarkupText& out, std::span<const RECT> rectangles) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 
+#include "base/wrapping.h"
 #include "markup/content_hash.h"
 #include "markup/markup_text.h"
 
@@ -47,8 +48,25 @@ ContentHash writeHashedPathData(MarkupText& out, const TypedPoints& path);
 // Coordinate pairs less the origin, separated by one space, also before a negative number.
 void writePointList(MarkupText& out, const POINT* points, uint32_t count, const POINT& origin);
 
-// One closed rectangle. Its width is written unsigned: a negative one wraps around.
-void writeRectangleOutline(MarkupText& out, const RECT& rectangle);
+// The path data of one closed rectangle, as a piece of markup. Its width is written unsigned: a
+// negative one wraps around.
+class RectangleOutline {
+ public:
+  RectangleOutline(int32_t left, int32_t top, int32_t right, int32_t bottom)
+      : left_(left),
+        top_(top),
+        width_(wrappingSubtract(right, left)),
+        height_(wrappingSubtract(bottom, top)) {}
+  size_t maxSize() const { return 6 + kMaxCoordinatePairSize + 3 * kMaxDecimalSize<int32_t>; }
+  char* put(char* out) const {
+    const auto width = static_cast<uint32_t>(width_);
+    return putAll(out, "M", CoordinatePair(left_, top_), "h", width, "v", height_, "h-", width,
+                  "z");
+  }
+
+ private:
+  int32_t left_, top_, width_, height_;
+};
 
 // Closed rectangles, one after the other.
 void writeRectangleListPathData(MarkupText& out, std::span<const RECT> rectangles);

@@ -7,22 +7,21 @@ namespace qz {
 void Rect::writeBody(MarkupText& out, const Frame& frame) const {
   if (frame.origin.x != 0 || frame.origin.y != 0)
     out.append(" transform=\"translate(", CoordinatePair(frame.origin), ")\"");
+  if (cornerMask_ == 0) return out.append(" d=\"", outline(frame), "\"/>");
   out.append(" d=\"");
-  if (cornerMask_ == 0)
-    writeGeometry(out, frame);
-  else
-    writeRoundedRectangleOutline(out, frame);
+  writeRoundedRectangleOutline(out, frame);
   out.append("\"/>");
 }
 
-void Rect::writeGeometry(MarkupText& out, const Frame& frame) const {
+void Rect::writeGeometry(MarkupText& out, const Frame& frame) const { out.append(outline(frame)); }
+
+RectangleOutline Rect::outline(const Frame& frame) const {
   const auto moved = [&frame](int32_t value, int32_t start) {
     return wrappingAdd(wrappingSubtract(value, start), frame.halfStrokeWidth);
   };
   const POINT& origin = frame.origin;
-  writeRectangleOutline(out,
-                        {moved(rectangle_->left, origin.x), moved(rectangle_->top, origin.y),
-                         moved(rectangle_->right, origin.x), moved(rectangle_->bottom, origin.y)});
+  return {moved(rectangle_->left, origin.x), moved(rectangle_->top, origin.y),
+          moved(rectangle_->right, origin.x), moved(rectangle_->bottom, origin.y)};
 }
 
 void Rect::writeRoundedRectangleOutline(MarkupText& out, const Frame& frame) const {

@@ -13,17 +13,17 @@ ContentHash Shape::writeHashedBody(MarkupText& out, const Frame& frame) const {
   return hash;
 }
 
-void Line::writeBody(MarkupText& out, const Frame& frame) const {
-  writeGeometry(out, frame);
-  out.append("/>");
-}
-
-void Line::writeGeometry(MarkupText& out, const Frame& frame) const {
+template <class End>
+void Line::write(MarkupText& out, const Frame& frame, const End& end) const {
   const POINT& origin = frame.origin;
   out.append(" x1=\"", wrappingSubtract(from_->x, origin.x), "\" y1=\"",
              wrappingSubtract(from_->y, origin.y), "\" x2=\"", wrappingSubtract(to_->x, origin.x),
-             "\" y2=\"", wrappingSubtract(to_->y, origin.y), "\"");
+             "\" y2=\"", wrappingSubtract(to_->y, origin.y), "\"", end);
 }
+
+void Line::writeBody(MarkupText& out, const Frame& frame) const { write(out, frame, "/>"); }
+
+void Line::writeGeometry(MarkupText& out, const Frame& frame) const { write(out, frame, ""); }
 
 void PointList::writeBody(MarkupText& out, const Frame& frame) const {
   out.append(" points=\"");

@@ -5,7 +5,7 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <cstring>
 
 #include "markup/content_hash.h"
 #include "markup/markup_text.h"
@@ -19,34 +19,60 @@ struct Frame {
   int32_t halfStrokeWidth = 0;  // by which rectangles on the page are displaced or inset
 };
 
+// The start of a tag as a piece of markup, copied in one step of fixed size.
+class TagStart {
+ public:
+  template <size_t size>
+  constexpr explicit TagStart(const char (&text)[size]) : size_(size - 1) {
+    static_assert(size - 1 <= kStep && kStep <= kOverrun);
+    for (size_t i = 0; i < size - 1; ++i) text_[i] = text[i];
+  }
+  size_t maxSize() const { return size_; }
+  char* put(char* out) const {
+    std::memcpy(out, text_, kStep);
+    return out + size_;
+  }
+
+ private:
+  static constexpr size_t kStep = 12;
+  char text_[kStep] = {};
+  uint32_t size_;
+};
+inline constexpr TagStart kLineTag("<line");
+inline constexpr TagStart kPathTag("<path");
+inline constexpr TagStart kPolylineTag("<polyline");
+inline constexpr TagStart kPolygonTag("<polygon");
+
 class Shape {
  public:
-  std::string_view tag() const { return tag_; }
+  const TagStart& tag() const { return tag_; }
 
   // Writes what follows the attributes.
   virtual void writeBody(MarkupText& out, const Frame& frame) const = 0;
   // The same, and the hash of the plain geometry: outlines of one hash are the same outline.
   virtual ContentHash writeHashedBody(MarkupText& out, const Frame& frame) const;
-  // The arguments that alone decide the body, whatever the frame, if the shape has such: a path.
-  virtual TypedPoints typedPoints() const { return {}; }
+  // The arguments that alone decide the body, whatever the frame, if the shape is a path.
+  virtual const TypedPoints* typedPoints() const { return nullptr; }
 
  protected:
-  explicit Shape(std::string_view tag) : tag_(tag) {}
+  explicit Shape(const TagStart& tag) : tag_(tag) {}
   ~Shape() = default;
 
  private:
   virtual void writeGeometry(MarkupText& out, const Frame& frame) const = 0;
 
-  const std::string_view tag_;  // "<path", for instance
+  const TagStart& tag_;
 };
 
 class Line final : public Shape {
  public:
-  Line(const POINT* from, const POINT* to) : Shape("<line"), from_(from), to_(to) {}
+  Line(const POINT* from, const POINT* to) : Shape(kLineTag), from_(from), to_(to) {}
   void writeBody(MarkupText& out, const Frame& frame) const override;
 
  private:
   void writeGeometry(MarkupText& out, const Frame& frame) const override;
+  template <class End>
+  void write(MarkupText& out, const Frame& frame, const End& end) const;
 
   const POINT* const from_;
   const POINT* const to_;
@@ -55,7 +81,7 @@ class Line final : public Shape {
 // A polyline or a polygon.
 class PointList final : public Shape {
  public:
-  PointList(std::string_view tag, const POINT* points, uint32_t count)
+  PointList(const TagStart& tag, const POINT* points, uint32_t count)
       : Shape(tag), points_(points), count_(count) {}
   void writeBody(MarkupText& out, const Frame& frame) const override;
 
@@ -69,10 +95,11 @@ class PointList final : public Shape {
 // Written as it is given, wherever its character stands.
 class Path final : public Shape {
  public:
-  explicit Path(const TypedPoints& points) : Shape("<path"), points_(points) {}
+  Path(const POINT* points, const uint8_t* types, uint32_t count)
+      : Shape(kPathTag), points_{points, types, count} {}
   void writeBody(MarkupText& out, const Frame& frame) const override;
   ContentHash writeHashedBody(MarkupText& out, const Frame& frame) const override;
-  TypedPoints typedPoints() const override { return points_; }
+  const TypedPoints* typedPoints() const override { return &points_; }
 
  private:
   void writeGeometry(MarkupText& out, const Frame& frame) const override;
@@ -88,7 +115,7 @@ class Rect final : public Shape {
   // The corner sizes are those of the ellipse that forms a corner: twice the radii. The rectangle
   // is plain if the mask is 0; all four corners are rounded if any of its four low bits is set.
   Rect(const RECT* rectangle, uint32_t cornerWidth, uint32_t cornerHeight, uint16_t cornerMask)
-      : Shape("<path"),
+      : Shape(kPathTag),
         rectangle_(rectangle),
         cornerWidth_(cornerWidth),
         cornerHeight_(cornerHeight),
@@ -97,6 +124,7 @@ class Rect final : public Shape {
 
  private:
   void writeGeometry(MarkupText& out, const Frame& frame) const override;
+  RectangleOutline outline(const Frame& frame) const;
   void writeRoundedRectangleOutline(MarkupText& out, const Frame& frame) const;
 
   const RECT* const rectangle_;

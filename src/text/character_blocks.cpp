@@ -10,7 +10,7 @@ namespace {
 
 // The id of a glyph, as a piece of markup.
 struct GlyphId {
-  const Glyph& glyph;
+  Glyph glyph;
   size_t maxSize() const { return 3 + 1 + 1 + 3 * kMaxDecimalSize<int32_t>; }
   char* put(char* out) const {
     out = putAll(out, "QZ_", glyph.block, "_", glyph.character);
@@ -20,9 +20,9 @@ struct GlyphId {
 
 // One coordinate of a use, left out when it is 0.
 struct OffsetAttribute {
-  std::string_view start;  // " x=\"", for instance
+  const char (&start)[5];
   int32_t value;
-  size_t maxSize() const { return start.size() + kMaxDecimalSize<int32_t> + 1; }
+  size_t maxSize() const { return sizeof start - 1 + kMaxDecimalSize<int32_t> + 1; }
   char* put(char* out) const { return value == 0 ? out : putAll(out, start, value, "\""); }
 };
 
@@ -88,13 +88,15 @@ void CharacterBlocks::draw(const Shape& shape) {
 
 // Writes an outline, or a use of the one that it equals.
 GlyphNumber CharacterBlocks::place(const Shape& shape) {
-  std::optional<GlyphNumber> known = glyphs_.findByPoints(shape.typedPoints());
+  const TypedPoints* const path = shape.typedPoints();
+  std::optional<GlyphNumber> known;
+  if (path != nullptr) known = glyphs_.findByPoints(*path);
   if (!known) {
     body_.restart();
     const uint64_t textHash = shape.writeHashedBody(body_, {position_, 0}).value();
     known = glyphs_.findByText(textHash);
     if (!known) return define(shape, textHash);
-    glyphs_.rememberPoints(shape.typedPoints(), *known);
+    if (path != nullptr) glyphs_.rememberPoints(*path, *known);
   }
   writeUse(text_, *known);
   return *known;
@@ -118,7 +120,7 @@ GlyphNumber CharacterBlocks::define(const Shape& shape, uint64_t textHash) {
 
 // A character at (0, 0) is the exception: it gets the glyph's position as it is, not negated.
 void CharacterBlocks::writeUse(MarkupText& out, GlyphNumber number) const {
-  const Glyph& glyph = glyphs_[number];
+  const Glyph glyph = glyphs_[number];
   POINT offset = glyph.origin;
   if (position_.x != 0 || position_.y != 0)
     offset = {wrappingSubtract(position_.x, glyph.origin.x),

@@ -17,7 +17,8 @@ void Fonts::set(Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
   }
   index_.makeRoom();
   makeRoom(fonts_);
-  fonts_.push_back({std::move(css_), false});
+  cssTexts_.append(css_);
+  fonts_.push_back({cssTexts_.size() - css_.size(), css_.size(), false});
   current_ = static_cast<FontNumber>(fonts_.size() - 1);
   index_.insert(key.value(), static_cast<HashIndex::Number>(current_));
 }
@@ -43,7 +44,7 @@ void Fonts::write(MarkupText& out) const {
     const FontStyleSheet& font = fonts_[number];
     if (!font.used) continue;
     out.append(".QZ_fnt", number, "{");
-    out.appendText(Utf16View(font.css));
+    out.appendText(Utf16View(cssTexts_).substr(font.firstUnit, font.unitCount));
     out.append("}");
   }
   out.append("</style>");

@@ -13,8 +13,10 @@ namespace qz {
 using FontNumber = int32_t;
 inline constexpr FontNumber kNoFont = -1;
 
+// One CSS rule, a stretch of the fonts' common text.
 struct FontStyleSheet {
-  Utf16String css;
+  size_t firstUnit;
+  size_t unitCount;
   bool used;  // a text run refers to it, so it is written
 };
 
@@ -37,6 +39,7 @@ class Fonts {
   void writeCss(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
 
   Utf16String css_;  // of the font that is being set
+  Utf16String cssTexts_;
   std::vector<FontStyleSheet> fonts_;
   HashIndex index_;
   FontNumber current_ = kNoFont;
