@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "markup/markup_text.h"
@@ -17,26 +16,23 @@ enum ClipMode : uint32_t {
   ClipBase = 1,      // the rectangle that began the region
   ClipAdded = 2,     // a further one
   ClipExcluded = 4,  // one cut out
+  ClipUsed = 8,      // set as well where a region ends under which an element was drawn
 };
 
-// One rectangle of a region.
+// One rectangle of a region. Each region ends with a record that no other region ends with.
 struct ClipRegionRecord {
   RECT rect;
-  ClipMode mode;
+  uint32_t mode;
   bool isExcluded() const { return (mode & ClipExcluded) != 0; }
-};
-
-// A region: a stretch of the page's records, never changed but for its `used` flag.
-struct ClipPath {
-  size_t firstRecord;
-  size_t recordCount;
-  bool used;  // an element was drawn under it, so it is written
+  bool endsUsedRegion() const { return (mode & ClipUsed) != 0; }
 };
 
 // The regions of one page, numbered in the order in which they are made, and the current one.
 //
-// A region that continues the newest one shares its records: a region of n rectangles that was
-// made by n calls costs n records, not n * n / 2.
+// A region is a stretch of the page's records. One that continues the newest shares its records, so
+// that a region of n rectangles that was made by n calls costs n records and one entry.
+//
+// If an operation fails, at most records were added that belong to no region.
 class ClipRegions {
  public:
   RegionNumber current() const { return current_; }
@@ -50,29 +46,38 @@ class ClipRegions {
   // Tells whether the page has such a region; if not, nothing changes.
   bool select(uint32_t number);
 
-  void markUsed(RegionNumber region) {
-    if (region != kNoRegion) regions_[static_cast<size_t>(region)].used = true;
+  // An element was drawn under the current region, so it is written.
+  void markUsed() noexcept {
+    if (current_ != kNoRegion) records_[stretch_.end() - 1].mode |= ClipUsed;
   }
 
   // The definitions of the used regions, in the order of their numbers.
   void write(MarkupText& out) const;
 
  private:
+  // A region's records.
+  struct Stretch {
+    size_t first;
+    size_t count;
+    size_t end() const { return first + count; }
+  };
+  // Regions in a row, each with one record more than the one before.
+  struct Series {
+    RegionNumber firstRegion;
+    Stretch firstStretch;
+  };
   // What a new cut is to the earlier cuts of its region.
   enum class Cut { Apart, InsideEarlier, AroundEarlier };
-  Cut compare(const ClipPath& region, const RECT& cut) const;
-  void file(ClipPath region, const ClipRegionRecord& record);
-  void fileReplaced(ClipPath region, const RECT& cut);
-  std::span<const ClipRegionRecord> recordsOf(const ClipPath& region) const {
-    return std::span(records_).subspan(region.firstRecord, region.recordCount);
-  }
-  // The vectors are scratch.
-  void writeClipPath(MarkupText& out, RegionNumber number, std::vector<RECT>& rectangles,
-                     std::vector<RECT>& cuts) const;
+  Cut compare(const RECT& cut) const;
+  void extendCurrent(const RECT& rectangle, ClipMode mode);
+  void replaceCuts(const RECT& cut);
+  void startSeries(size_t firstRecord, size_t regionCount);
 
   std::vector<ClipRegionRecord> records_;
-  std::vector<ClipPath> regions_;
+  std::vector<Series> series_;
+  RegionNumber regionCount_ = 0;
   RegionNumber current_ = kNoRegion;
+  Stretch stretch_{0, 0};  // of the current region
 };
 
 }  // namespace qz

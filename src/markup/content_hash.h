@@ -13,13 +13,16 @@ class ContentHash {
  public:
   // For a unit below 256 the high byte's step only multiplies: one multiplication does both.
   void add(std::string_view characters) {
-    for (const char character : characters)
-      value_ = (value_ ^ static_cast<unsigned char>(character)) * (kPrime * kPrime);
+    for (const char character : characters) addLow(static_cast<unsigned char>(character));
   }
   void add(Utf16View units) {
     for (const CodeUnit unit : units) {
-      value_ = (value_ ^ (unit & 0xFFu)) * kPrime;
-      value_ = (value_ ^ (unit >> 8 & 0xFFu)) * kPrime;
+      if (unit < 256) {
+        addLow(unit);
+      } else {
+        value_ = (value_ ^ (unit & 0xFFu)) * kPrime;
+        value_ = (value_ ^ (unit >> 8 & 0xFFu)) * kPrime;
+      }
     }
   }
   void add(const MarkupText& text) {
@@ -29,6 +32,8 @@ class ContentHash {
   uint64_t value() const { return value_; }
 
  private:
+  void addLow(uint64_t unit) { value_ = (value_ ^ unit) * (kPrime * kPrime); }
+
   static constexpr uint64_t kPrime = 0x100000001b3;
   uint64_t value_ = 0xcbf29ce484222325;
 };

@@ -6,8 +6,13 @@
 namespace qz {
 namespace {
 
+// Chunks grow with the text, since allocators keep freed memory for the next page only in part.
+// glibc gives the heap's end back when it is twice as large as the largest block that it has seen
+// freed, be that at most 32 MiB; jemalloc gives blocks of 8 MiB and more back at once. So a page's
+// last chunk is most of it, and of the large ones only very large pages have some.
 constexpr size_t kFirstChunk = 4096;
-constexpr size_t kLargestChunk = size_t{32} << 20;
+constexpr size_t kLargeChunk = (size_t{7} << 20) - 65536;
+constexpr size_t kLargestChunk = (size_t{32} << 20) - 65536;
 
 // Long text is taken in steps of this size, each all bytes or all 16-bit units.
 constexpr size_t kStep = 1024;
@@ -34,15 +39,12 @@ void MarkupText::swap(MarkupText& other) noexcept {
   std::swap(closedUnits_, other.closedUnits_);
 }
 
-// Chunks grow with the text. Allocators recycle large blocks only if they have seen some: with
-// blocks that stay small, glibc gives a large page's memory back to the system at its end, and the
-// next page pays for touching all of it again.
 void MarkupText::grow(size_t length) {
 #if defined(QZSVGGEN_TIGHT_CHUNKS)
   const size_t capacity = kHeader + length;
 #else
-  const size_t wanted =
-      std::clamp(3 * size(), kFirstChunk, kLargestChunk) - sizeof(Chunk) - kOverrun;
+  const size_t largest = size() < kLargeChunk ? kLargeChunk : kLargestChunk;
+  const size_t wanted = std::clamp(7 * size(), kFirstChunk, largest) - sizeof(Chunk) - kOverrun;
   const size_t capacity = std::max(wanted, kHeader + length);
 #endif
   auto* chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + capacity + kOverrun));

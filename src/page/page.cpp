@@ -22,9 +22,8 @@ struct PaintedShape {
 // extension namespace if it uses it.
 template <class Element>
 void Page::addElement(const Element& element) {
-  const RegionNumber region = clips.current();
-  content_.addElement(region, [&](MarkupText& out) { element.write(out); });
-  clips.markUsed(region);
+  content_.addElement(clips.current(), [&](MarkupText& out) { element.write(out); });
+  clips.markUsed();
   usesExtensionNamespace_ |= element.usesExtensionNamespace();
 }
 
@@ -93,9 +92,8 @@ void Page::beginCharacter(const POINT* position, std::optional<uint32_t> referen
 }
 
 void Page::openGroup(const Group& group) {
-  const RegionNumber region = clips.current();
-  content_.openGroup(region, group);
-  clips.markUsed(region);
+  content_.openGroup(clips.current(), group);
+  clips.markUsed();
   usesExtensionNamespace_ = true;
 }
 

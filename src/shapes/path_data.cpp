@@ -139,15 +139,4 @@ void writePointList(MarkupText& out, const POINT* points, uint32_t count, const 
   }
 }
 
-void writeRectangleListPathData(MarkupText& out, std::span<const RECT> rectangles) {
-  for (const RECT& rectangle : rectangles) {
-    const int32_t width = wrappingSubtract(rectangle.right, rectangle.left);
-    const int32_t height = wrappingSubtract(rectangle.bottom, rectangle.top);
-    // A side without length is a "v0", be it a horizontal one.
-    const char* const side = width == 0 ? "v" : "h";
-    out.append("M", CoordinatePair(rectangle.left, rectangle.top), std::string_view(side, 1), width,
-               "v", height, std::string_view(side, 1), wrappingSubtract(0, width), "z");
-  }
-}
-
 }  // namespace qz

@@ -1,0 +1,77 @@
+#include "clip/clip_path_data.h"
+
+#include <algorithm>
+
+#include "base/wrapping.h"
+#include "shapes/path_data.h"
+
+namespace qz {
+namespace {
+
+bool hasArea(const RECT& rectangle) {
+  return wrappingSubtract(rectangle.right, rectangle.left) > 0 &&
+         wrappingSubtract(rectangle.bottom, rectangle.top) > 0;
+}
+
+bool overlap(const RECT& a, const RECT& b) {
+  return hasArea(a) && hasArea(b) && a.left < b.right && b.left < a.right && a.top < b.bottom &&
+         b.top < a.bottom;
+}
+
+RECT intersection(const RECT& a, const RECT& b) {
+  return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+          std::min(a.bottom, b.bottom)};
+}
+
+}  // namespace
+
+void ClipPathData::restart() {
+  text_.restart();
+  recordCount_ = keptCount_ = rectangleCount_ = 0;
+}
+
+void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
+                                 std::span<const ClipRegionRecord> records) {
+  while (recordCount_ < records.size() && canContinue(records[recordCount_])) {
+    const ClipRegionRecord& next = records[recordCount_++];
+    if (next.isExcluded()) {
+      writeCut(records.front().rect, next.rect);
+    } else {
+      ++keptCount_;
+      write(next.rect);
+    }
+  }
+  if (recordCount_ < records.size()) rewrite(records);
+  out.append("<clipPath id=\"QZ_C", number, "\"><path d=\"");
+  out.appendText(text_);
+  out.append(std::string_view(rectangleCount_ > 1 ? "\" clip-rule=\"evenodd\"" : "\""),
+             "/></clipPath>");
+}
+
+// What is kept stands before all cuts, the cuts of the first kept rectangle before those of others.
+bool ClipPathData::canContinue(const ClipRegionRecord& next) const {
+  return next.isExcluded() ? keptCount_ == 1 : keptCount_ == recordCount_;
+}
+
+void ClipPathData::rewrite(std::span<const ClipRegionRecord> records) {
+  restart();
+  for (const ClipRegionRecord& kept : records)
+    if (!kept.isExcluded()) write(kept.rect);
+  for (const ClipRegionRecord& kept : records) {
+    if (kept.isExcluded()) continue;
+    for (const ClipRegionRecord& cut : records)
+      if (cut.isExcluded()) writeCut(kept.rect, cut.rect);
+  }
+  recordCount_ = records.size();  // and no kept ones: nothing can go on from here
+}
+
+void ClipPathData::write(const RECT& rectangle) {
+  text_.append(ClipOutline(rectangle));
+  ++rectangleCount_;
+}
+
+void ClipPathData::writeCut(const RECT& kept, const RECT& cut) {
+  if (overlap(kept, cut)) write(intersection(kept, cut));
+}
+
+}  // namespace qz

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <span>
+
+#include "clip/clip_regions.h"
+
+namespace qz {
+
+// The path data of regions that begin with the same records, one after the other.
+//
+// The kept rectangles come first, then each part of them that is cut out once more: filled by the
+// even-odd rule, what is covered twice is a hole. Overlaps of kept rectangles are holes too, which
+// is meant. The text of a region that only grew goes on from that of the one before.
+class ClipPathData {
+ public:
+  // What follows are regions with another beginning.
+  void restart();
+  // Writes the definition of the region with these records.
+  void writeClipPath(MarkupText& out, RegionNumber number,
+                     std::span<const ClipRegionRecord> records);
+
+ private:
+  bool canContinue(const ClipRegionRecord& next) const;
+  void rewrite(std::span<const ClipRegionRecord> records);
+  void write(const RECT& rectangle);
+  void writeCut(const RECT& kept, const RECT& cut);
+
+  MarkupText text_;
+  size_t recordCount_ = 0;  // that the text is of: first `keptCount_` kept ones, then cuts
+  size_t keptCount_ = 0;
+  size_t rectangleCount_ = 0;  // in the text
+};
+
+}  // namespace qz
