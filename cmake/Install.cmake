@@ -15,6 +15,12 @@ install(FILES cmake/qzsvggen-config.cmake ${PROJECT_BINARY_DIR}/qzsvggen-config-
 install(DIRECTORY include/qzsvggen DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 file(RELATIVE_PATH pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+get_target_property(type qzsvggen TYPE)
+if(type STREQUAL "STATIC_LIBRARY")  # whose user links what it depends on
+  list(TRANSFORM CMAKE_CXX_IMPLICIT_LINK_LIBRARIES PREPEND " -l" OUTPUT_VARIABLE pc_runtime)
+  list(FILTER pc_runtime INCLUDE REGEX " -l(std)?c[+][+]|m$")
+  list(JOIN pc_runtime "" pc_runtime)
+endif()
 configure_file(cmake/qzsvggen.pc.in qzsvggen.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/qzsvggen.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
@@ -35,7 +41,7 @@ else()
   install(DIRECTORY docs/ DESTINATION ${doc}/libqzsvggen-dev COMPONENT development ${documents})
 endif()
 
-if(MINGW)
+if(MINGW AND type STREQUAL "SHARED_LIBRARY")
   install(FILES ${PROJECT_BINARY_DIR}/src/qzsvggen.lib DESTINATION ${CMAKE_INSTALL_LIBDIR}
     COMPONENT development)
   install(FILES $<TARGET_FILE:qzsvggen>.debug DESTINATION ${CMAKE_INSTALL_BINDIR}

@@ -60,10 +60,13 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The release of this header: major * 10000 + minor * 100 + patch. The version of the interface
- * itself is what SVG_GetVersion returns. */
-#define QZSVGGEN_VERSION 10000
-#define QZSVGGEN_VERSION_STRING "1.0.0"
+/* The release of this header, and as one number: major * 10000 + minor * 100 + patch. The version of
+ * the interface itself is what SVG_GetVersion returns. */
+#define QZSVGGEN_VERSION_MAJOR 1
+#define QZSVGGEN_VERSION_MINOR 0
+#define QZSVGGEN_VERSION_PATCH 0
+#define QZSVGGEN_VERSION \
+  (QZSVGGEN_VERSION_MAJOR * 10000 + QZSVGGEN_VERSION_MINOR * 100 + QZSVGGEN_VERSION_PATCH)
 
 /* Calling convention: cdecl, on every platform. Windows hosts that want `dllimport` define
  * QZSVGGEN_DLLIMPORT before including this header; it is never required. */
