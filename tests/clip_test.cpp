@@ -13,33 +13,57 @@ std::string clipped(int number, const std::string& content) {
   return "<g clip-path='url(#QZ_C" + std::to_string(number) + ")'>" + content + "</g>";
 }
 
-// clang-format off
 TEST(Clip, RectanglesBecomeOnePath) {
   const struct {
-    const char* rule; RECT base; std::vector<RECT> added, cut;
+    const char* rule;
+    RECT base;
+    std::vector<RECT> added, cut;
     const char *data, *fillRule = "";
   } cases[] = {
       {"a single one", {0, 0, 100, 100}, {}, {}, "M0 0h100v100h-100z"},
-      {"added ones are not merged", {0, 0, 10, 5}, {{2, 1, 4, 3}}, {},
-       "M0 0h10v5h-10zM2 1h2v2h-2z", kEvenOdd},
+      {"added ones are not merged",
+       {0, 0, 10, 5},
+       {{2, 1, 4, 3}},
+       {},
+       "M0 0h10v5h-10zM2 1h2v2h-2z",
+       kEvenOdd},
       {"a cut is the part inside each kept rectangle",
-       {0, 0, 20, 20}, {{30, 0, 50, 20}}, {{10, 10, 40, 11}, {15, -5, 16, 99}},
-       "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v1h-10zM15 0h1v20h-1zM30 10h10v1h-10z", kEvenOdd},
+       {0, 0, 20, 20},
+       {{30, 0, 50, 20}},
+       {{10, 10, 40, 11}, {15, -5, 16, 99}},
+       "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v1h-10zM15 0h1v20h-1zM30 10h10v1h-10z",
+       kEvenOdd},
       {"a cut that touches from outside, or is empty, adds nothing",
-       {0, 0, 20, 20}, {}, {{20, 0, 30, 20}, {-9, 0, 0, 20}, {0, -9, 20, 0}, {0, 20, 20, 29},
-        {5, 5, 5, 9}, {5, 9, 9, 9}, {9, 4, 5, 9}},
+       {0, 0, 20, 20},
+       {},
+       {{20, 0, 30, 20},
+        {-9, 0, 0, 20},
+        {0, -9, 20, 0},
+        {0, 20, 20, 29},
+        {5, 5, 5, 9},
+        {5, 9, 9, 9},
+        {9, 4, 5, 9}},
        "M0 0h20v20h-20z"},
       {"a cut around an earlier one replaces it",
-       {0, 0, 100, 100}, {}, {{10, 10, 20, 20}, {5, 5, 20, 30}},
-       "M0 0h100v100h-100zM5 5h15v25h-15z", kEvenOdd},
+       {0, 0, 100, 100},
+       {},
+       {{10, 10, 20, 20}, {5, 5, 20, 30}},
+       "M0 0h100v100h-100zM5 5h15v25h-15z",
+       kEvenOdd},
       {"around several it replaces each, and the copies cancel out",
-       {0, 0, 100, 50}, {}, {{0, 0, 5, 5}, {10, 0, 15, 5}, {90, 0, 95, 5}, {0, 0, 20, 10}},
-       "M0 0h100v50h-100zM0 0h20v10h-20zM0 0h20v10h-20zM90 0h5v5h-5z", kEvenOdd},
+       {0, 0, 100, 50},
+       {},
+       {{0, 0, 5, 5}, {10, 0, 15, 5}, {90, 0, 95, 5}, {0, 0, 20, 10}},
+       "M0 0h100v50h-100zM0 0h20v10h-20zM0 0h20v10h-20zM90 0h5v5h-5z",
+       kEvenOdd},
       {"no width", {0, 0, 0, 5}, {}, {}, "M0 0v0v5v0z"},
       {"no height", {0, 0, 10, 0}, {}, {}, "M0 0h10v0h-10z"},
       {"reversed", {10, 5, 5, -5}, {}, {{6, 0, 7, 1}}, "M10 5h-5v-10h5z"},
       {"too wide for 32 bits counts as reversed",
-       {kLeast, 0, kMost, 10}, {}, {{1, 1, 2, 2}}, "M-2147483648 0h-1v10h1z"},
+       {kLeast, 0, kMost, 10},
+       {},
+       {{1, 1, 2, 2}},
+       "M-2147483648 0h-1v10h1z"},
   };
   for (const auto& [rule, base, added, cut, data, fillRule] : cases) {
     Page page;
@@ -48,10 +72,12 @@ TEST(Clip, RectanglesBecomeOnePath) {
     for (const RECT& each : cut) page(SVG_ExcludeClippingRegion, &each);
     const int number = static_cast<int>(added.size() + cut.size());
     EXPECT_EQ(number, SVG_GetCurrentClippingRegion(page.generator)) << rule;
-    EXPECT_EQ(document(markup(clipped(number, kLine)), markup(region(number, data, fillRule))),
-              page.line().close()) << rule;
+    EXPECT_SAME(document(markup(clipped(number, kLine)), markup(region(number, data, fillRule))),
+                page.line().close())
+        << rule;
   }
 }
+
 TEST(Clip, NumbersSelectRegionsAgain) {
   Page page({10, 20, 110, 70});
   SvgGenerator* const generator = page.generator;
@@ -73,20 +99,22 @@ TEST(Clip, NumbersSelectRegionsAgain) {
   page(SVG_ExcludeClippingRegion, box({40, 40, 50, 50})).line();
   EXPECT_EQ(4, SVG_GetCurrentClippingRegion(generator));
   const std::string base = "M10 20h100v50h-100z";
-  EXPECT_EQ(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
-                            clipped(2, kLine) + clipped(3, kLine) + clipped(4, kLine)),
-                     markup(region(1, base + "M20 20h10v10h-10z", kEvenOdd) +
-                            region(2, base + "M0 0h1v1h-1z", kEvenOdd) +
-                            region(3, base + "M0 0h1v1h-1zM20 20h10v10h-10z", kEvenOdd) +
-                            region(4, base + "M20 20h10v10h-10zM40 40h10v10h-10z", kEvenOdd))),
-            page.close());
+  EXPECT_SAME(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
+                              clipped(2, kLine) + clipped(3, kLine) + clipped(4, kLine)),
+                       markup(region(1, base + "M20 20h10v10h-10z", kEvenOdd) +
+                              region(2, base + "M0 0h1v1h-1z", kEvenOdd) +
+                              region(3, base + "M0 0h1v1h-1zM20 20h10v10h-10z", kEvenOdd) +
+                              region(4, base + "M20 20h10v10h-10zM40 40h10v10h-10z", kEvenOdd))),
+              page.close());
 }
 
 TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
   const std::string first = region(0, "M0 0h1v1h-1z"), second = region(1, "M0 0h2v2h-2z");
   check({
       {"a run of elements under one region",
-       [](Page& page) { page.clip({0, 0, 1, 1}).line().line().clip({0, 0, 2, 2}).line(); },
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).line().line().clip({0, 0, 2, 2}).line();
+       },
        clipped(0, kLine + kLine) + clipped(1, kLine), first + second},
       {"text, pictures, targets and character blocks",
        [](Page& page) {
@@ -99,7 +127,9 @@ TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
            clipped(3, "<g></g>"),
        first + second + region(2, "M0 0h1v1h-1z") + region(3, "M0 0h2v2h-2z")},
       {"a group's children mark their region but are not cut",
-       [](Page& page) { page.clip({0, 0, 1, 1}).link().clip({0, 0, 2, 2}).line(); },
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).link().clip({0, 0, 2, 2}).line();
+       },
        clipped(0, kLink + kLine + "</a>"), first + second},
       {"outlines in a block and inverted rectangles mark none",
        [](Page& page) {
@@ -119,7 +149,6 @@ TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
        ""},
   });
 }
-// clang-format on
 
 }  // namespace
 }  // namespace qz::test

@@ -58,6 +58,23 @@ inline std::string readable(const std::vector<SVG_Char>& text) {
   return result;
 }
 
+// Shows where two texts part, with what stands around it.
+inline testing::AssertionResult sameText(const char*, const char*, const std::string& expected,
+                                         const std::string& actual) {
+  if (expected == actual) return testing::AssertionSuccess();
+  const auto [place, other] =
+      std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end());
+  const auto offset = static_cast<size_t>(place - expected.begin());
+  const size_t start = offset - std::min<size_t>(offset, 50);
+  const auto around = [&](const std::string& text) {
+    return "[" + text.substr(start, offset - start) + "] " + text.substr(offset, 50);
+  };
+  return testing::AssertionFailure()
+         << "Different from character " << offset << " on\n  expected: " << around(expected)
+         << "\n  actual:   " << around(actual);
+}
+#define EXPECT_SAME(expected, actual) EXPECT_PRED_FORMAT2(::qz::test::sameText, expected, actual)
+
 // Arguments live on the heap in their exact size and die with the call that they are for.
 struct Page {
   explicit Page(const RECT& page = {0, 0, 100, 50}) : generator(SVG_Create(&page)) {}
@@ -134,7 +151,8 @@ inline void check(const std::vector<Case>& cases) {
   for (const Case& each : cases) {
     Page page;
     each.draw(page);
-    EXPECT_EQ(document(markup(each.content), markup(each.definitions)), page.close()) << each.rule;
+    EXPECT_SAME(document(markup(each.content), markup(each.definitions)), page.close())
+        << each.rule;
   }
 }
 

@@ -113,7 +113,7 @@ TEST(Wrapper, CallsWriteWhatTheCCallsWrite) {
   qzsvggen::Page drawn({0, 0, 100, 50});
   drawWithWrapper(drawn);
   qzsvggen::Page moved(std::move(drawn));
-  EXPECT_EQ(expected.close(), readable(units(moved.close())));
+  EXPECT_SAME(expected.close(), readable(units(moved.close())));
 }
 
 TEST(Wrapper, RefusesWhatIsUndefined) {
