@@ -50,10 +50,13 @@ inline std::vector<SVG_Char> units(std::u16string_view text) { return {text.begi
 inline std::string readable(const std::vector<SVG_Char>& text) {
   std::string result;
   for (const SVG_Char unit : text) {
-    const bool plain = (unit >= 0x20 && unit < 0x7F) || unit == u'\t';
-    char written[8] = {static_cast<char>(unit)};
-    if (!plain) std::snprintf(written, sizeof written, "\\u%04x", static_cast<unsigned>(unit));
-    result += written;
+    if ((unit >= 0x20 && unit < 0x7F) || unit == u'\t') {
+      result.push_back(static_cast<char>(unit));
+      continue;
+    }
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+    result += escape;
   }
   return result;
 }
@@ -62,16 +65,16 @@ inline std::string readable(const std::vector<SVG_Char>& text) {
 inline testing::AssertionResult sameText(const char*, const char*, const std::string& expected,
                                          const std::string& actual) {
   if (expected == actual) return testing::AssertionSuccess();
-  const auto [place, other] =
-      std::mismatch(expected.begin(), expected.end(), actual.begin(), actual.end());
-  const auto offset = static_cast<size_t>(place - expected.begin());
+  const size_t shorter = std::min(expected.size(), actual.size());
+  size_t offset = 0;
+  while (offset < shorter && expected[offset] == actual[offset]) ++offset;
   const size_t start = offset - std::min<size_t>(offset, 50);
-  const auto around = [&](const std::string& text) {
-    return "[" + text.substr(start, offset - start) + "] " + text.substr(offset, 50);
-  };
-  return testing::AssertionFailure()
-         << "Different from character " << offset << " on\n  expected: " << around(expected)
-         << "\n  actual:   " << around(actual);
+  testing::AssertionResult result = testing::AssertionFailure()
+                                    << "different from character " << offset << " on";
+  for (const std::string* text : {&expected, &actual})
+    result << (text == &expected ? "\n  expected: [" : "\n  actual:   [")
+           << text->substr(start, offset - start) << "] " << text->substr(offset, 50);
+  return result;
 }
 #define EXPECT_SAME(expected, actual) EXPECT_PRED_FORMAT2(::qz::test::sameText, expected, actual)
 
