@@ -58,6 +58,27 @@ TEST(Document, LargePiecesAreWhole) {
       page.close());
 }
 
+// Texts of all lengths are joined: short ones are copied, where there is room, others linked.
+TEST(Document, BlocksAndWhatFollowsThemHaveAnyLength) {
+  Page page;
+  std::string content;
+  int block = 0;
+  for (const size_t inside : {1u, 100u, 500u, 900u, 1000u, 1100u, 5000u, 1u})
+    for (const size_t behind : {0u, 1u, 100u, 3900u, 4000u, 4096u, 30000u, 1u, 0u}) {
+      page(SVG_BeginCharacterBlock)(SVG_BeginCharacter, at({0, 0}));
+      page.polyline(std::vector<POINT>(inside, {block, 10})).text(std::u16string(behind, u'a'));
+      page(SVG_EndCharacterBlock).line();
+      const std::string number = std::to_string(block++);
+      content += "<g><polyline id='QZ_" + number + "_0' points='" + number + " 10";
+      for (size_t i = 1; i < inside; ++i) content.append(" ").append(number).append(" 10");
+      content += "'/></g>";
+      if (behind > 0)
+        content += "<text x='1' y='2' xml:space='preserve'>" + std::string(behind, 'a') + "</text>";
+      content += kLine;
+    }
+  EXPECT_SAME(markup(document(content)), page.close());
+}
+
 TEST(Close, OnlyTheExactSizeIsAccepted) {
   Page page;
   SVG_Char one = u'~';

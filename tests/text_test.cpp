@@ -22,6 +22,21 @@ TEST(Text, EveryUnitBelongsToTheRun) {
         << written;
 }
 
+TEST(Text, EachMarkupCharacterIsFoundAnywhere) {
+  const std::pair<char16_t, const char*> cases[] = {
+      {u'<', "&lt;"}, {u'>', "&gt;"}, {u'&', "&amp;"}, {u'"', "&quot;"},   {u'\'', "&apos;"},
+      {u'\0', "\t"},  {u'#', "#"},    {u'=', "="},     {u'\1', "\\u0001"}, {u'\u013C', "\\u013c"}};
+  for (const auto& [unit, written] : cases)
+    for (size_t place = 0; place < 40; ++place) {
+      std::u16string text(41, u'a');
+      text[place] = unit;
+      EXPECT_SAME(
+          document(markup("<text x='1' y='2' xml:space='preserve'>") + std::string(place, 'a') +
+                   written + std::string(40 - place, 'a') + "</text>"),
+          Page().text(text).close());
+    }
+}
+
 TEST(Text, PositionsAndScaling) {
   check({
       {"no units, no element; scaling without advances is ignored",
