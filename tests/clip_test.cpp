@@ -1,9 +1,11 @@
+#include <sstream>
+
 #include "page.h"
 
 namespace qz::test {
 namespace {
 
-std::string region(int number, const std::string& data, const char* rule = "") {
+std::string clipPath(int number, const std::string& data, const char* rule = "") {
   return "<clipPath id='QZ_C" + std::to_string(number) + "'><path d='" + data + "'" + rule +
          "/></clipPath>";
 }
@@ -13,45 +15,51 @@ std::string clipped(int number, const std::string& content) {
   return "<g clip-path='url(#QZ_C" + std::to_string(number) + ")'>" + content + "</g>";
 }
 
-// clang-format off
+// Each row draws under a region that is made of words and rectangles.
 TEST(Clip, RectanglesBecomeOnePath) {
   const struct {
-    const char* rule; RECT base; std::vector<RECT> added, cut;
-    const char *data, *fillRule = "";
+    const char *rule, *region, *data, *fillRule = "";
   } cases[] = {
-      {"a single one", {0, 0, 100, 100}, {}, {}, "M0 0h100v100h-100z"},
-      {"added ones are not merged", {0, 0, 10, 5}, {{2, 1, 4, 3}}, {},
-       "M0 0h10v5h-10zM2 1h2v2h-2z", kEvenOdd},
+      {"a single one", "begin 0 0 100 100", "M0 0h100v100h-100z"},
+      {"added ones are not merged", "begin 0 0 10 5 add 2 1 4 3", "M0 0h10v5h-10zM2 1h2v2h-2z",
+       kEvenOdd},
       {"a cut is the part inside each kept rectangle",
-       {0, 0, 20, 20}, {{30, 0, 50, 20}}, {{10, 10, 40, 11}, {15, -5, 16, 99}},
+       "begin 0 0 20 20 add 30 0 50 20 cut 10 10 40 11 cut 15 -5 16 99",
        "M0 0h20v20h-20zM30 0h20v20h-20zM10 10h10v1h-10zM15 0h1v20h-1zM30 10h10v1h-10z", kEvenOdd},
       {"a cut that touches from outside, or is empty, adds nothing",
-       {0, 0, 20, 20}, {}, {{20, 0, 30, 20}, {-9, 0, 0, 20}, {0, -9, 20, 0}, {0, 20, 20, 29},
-        {5, 5, 5, 9}, {5, 9, 9, 9}, {9, 4, 5, 9}},
+       "begin 0 0 20 20 cut 20 0 30 20 cut -9 0 0 20 cut 0 -9 20 0 cut 0 20 20 29 "
+       "cut 5 5 5 9 cut 5 9 9 9 cut 9 4 5 9",
        "M0 0h20v20h-20z"},
-      {"a cut around an earlier one replaces it",
-       {0, 0, 100, 100}, {}, {{10, 10, 20, 20}, {5, 5, 20, 30}},
+      {"a cut around an earlier one replaces it", "begin 0 0 100 100 cut 10 10 20 20 cut 5 5 20 30",
        "M0 0h100v100h-100zM5 5h15v25h-15z", kEvenOdd},
       {"around several it replaces each, and the copies cancel out",
-       {0, 0, 100, 50}, {}, {{0, 0, 5, 5}, {10, 0, 15, 5}, {90, 0, 95, 5}, {0, 0, 20, 10}},
+       "begin 0 0 100 50 cut 0 0 5 5 cut 10 0 15 5 cut 90 0 95 5 cut 0 0 20 10",
        "M0 0h100v50h-100zM0 0h20v10h-20zM0 0h20v10h-20zM90 0h5v5h-5z", kEvenOdd},
-      {"no width", {0, 0, 0, 5}, {}, {}, "M0 0v0v5v0z"},
-      {"no height", {0, 0, 10, 0}, {}, {}, "M0 0h10v0h-10z"},
-      {"reversed", {10, 5, 5, -5}, {}, {{6, 0, 7, 1}}, "M10 5h-5v-10h5z"},
-      {"too wide for 32 bits counts as reversed",
-       {kLeast, 0, kMost, 10}, {}, {{1, 1, 2, 2}}, "M-2147483648 0h-1v10h1z"},
+      {"no width", "begin 0 0 0 5", "M0 0v0v5v0z"},
+      {"no height", "begin 0 0 10 0", "M0 0h10v0h-10z"},
+      {"reversed", "begin 10 5 5 -5 cut 6 0 7 1", "M10 5h-5v-10h5z"},
+      {"too wide for 32 bits counts as reversed", "begin -2147483648 0 2147483647 10 cut 1 1 2 2",
+       "M-2147483648 0h-1v10h1z"},
   };
-  for (const auto& [rule, base, added, cut, data, fillRule] : cases) {
+  for (const auto& [rule, region, data, fillRule] : cases) {
     Page page;
-    page.clip(base);
-    for (const RECT& each : added) page(SVG_AddClippingRegion, &each);
-    for (const RECT& each : cut) page(SVG_ExcludeClippingRegion, &each);
-    const int number = static_cast<int>(added.size() + cut.size());
+    std::istringstream words(region);
+    int number = -1;
+    RECT rectangle;
+    for (std::string word;
+         words >> word >> rectangle.left >> rectangle.top >> rectangle.right >> rectangle.bottom;
+         ++number)
+      page(word == "begin" ? SVG_BeginClippingRegion
+           : word == "add" ? SVG_AddClippingRegion
+                           : SVG_ExcludeClippingRegion,
+           &rectangle);
     EXPECT_EQ(number, SVG_GetCurrentClippingRegion(page.generator)) << rule;
-    EXPECT_EQ(document(markup(clipped(number, kLine)), markup(region(number, data, fillRule))),
-              page.line().close()) << rule;
+    EXPECT_SAME(document(markup(clipped(number, kLine)), markup(clipPath(number, data, fillRule))),
+                page.line().close())
+        << rule;
   }
 }
+
 TEST(Clip, NumbersSelectRegionsAgain) {
   Page page({10, 20, 110, 70});
   SvgGenerator* const generator = page.generator;
@@ -73,20 +81,22 @@ TEST(Clip, NumbersSelectRegionsAgain) {
   page(SVG_ExcludeClippingRegion, box({40, 40, 50, 50})).line();
   EXPECT_EQ(4, SVG_GetCurrentClippingRegion(generator));
   const std::string base = "M10 20h100v50h-100z";
-  EXPECT_EQ(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
-                            clipped(2, kLine) + clipped(3, kLine) + clipped(4, kLine)),
-                     markup(region(1, base + "M20 20h10v10h-10z", kEvenOdd) +
-                            region(2, base + "M0 0h1v1h-1z", kEvenOdd) +
-                            region(3, base + "M0 0h1v1h-1zM20 20h10v10h-10z", kEvenOdd) +
-                            region(4, base + "M20 20h10v10h-10zM40 40h10v10h-10z", kEvenOdd))),
-            page.close());
+  EXPECT_SAME(document(markup(clipped(1, kLine) + kLine + clipped(1, kLine) + kLine +
+                              clipped(2, kLine) + clipped(3, kLine) + clipped(4, kLine)),
+                       markup(clipPath(1, base + "M20 20h10v10h-10z", kEvenOdd) +
+                              clipPath(2, base + "M0 0h1v1h-1z", kEvenOdd) +
+                              clipPath(3, base + "M0 0h1v1h-1zM20 20h10v10h-10z", kEvenOdd) +
+                              clipPath(4, base + "M20 20h10v10h-10zM40 40h10v10h-10z", kEvenOdd))),
+              page.close());
 }
 
 TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
-  const std::string first = region(0, "M0 0h1v1h-1z"), second = region(1, "M0 0h2v2h-2z");
+  const std::string first = clipPath(0, "M0 0h1v1h-1z"), second = clipPath(1, "M0 0h2v2h-2z");
   check({
       {"a run of elements under one region",
-       [](Page& page) { page.clip({0, 0, 1, 1}).line().line().clip({0, 0, 2, 2}).line(); },
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).line().line().clip({0, 0, 2, 2}).line();
+       },
        clipped(0, kLine + kLine) + clipped(1, kLine), first + second},
       {"text, pictures, targets and character blocks",
        [](Page& page) {
@@ -97,9 +107,11 @@ TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
            clipped(1, "<use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>") +
            clipped(2, "<velumark:target purpose='DocumentTarget' name='' position='1 2'/>") +
            clipped(3, "<g></g>"),
-       first + second + region(2, "M0 0h1v1h-1z") + region(3, "M0 0h2v2h-2z")},
+       first + second + clipPath(2, "M0 0h1v1h-1z") + clipPath(3, "M0 0h2v2h-2z")},
       {"a group's children mark their region but are not cut",
-       [](Page& page) { page.clip({0, 0, 1, 1}).link().clip({0, 0, 2, 2}).line(); },
+       [](Page& page) {
+         page.clip({0, 0, 1, 1}).link().clip({0, 0, 2, 2}).line();
+       },
        clipped(0, kLink + kLine + "</a>"), first + second},
       {"outlines in a block and inverted rectangles mark none",
        [](Page& page) {
@@ -119,7 +131,6 @@ TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
        ""},
   });
 }
-// clang-format on
 
 }  // namespace
 }  // namespace qz::test

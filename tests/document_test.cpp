@@ -8,30 +8,30 @@ const std::string kMaskUse = "<use href='#content' mask='url(#QZ_MI)' filter='ur
 const std::string kEmptied = "width='0' height='0'";
 
 TEST(Document, SizeIsThePagesEvenANegativeOne) {
-  EXPECT_EQ(document(""), Page({10, 20, 110, 70}).close());
-  EXPECT_EQ(document("", "", "width='-1' height='-90'"), Page({kLeast, 90, kMost, 0}).close());
+  EXPECT_SAME(document(""), Page({10, 20, 110, 70}).close());
+  EXPECT_SAME(document("", "", "width='-1' height='-90'"), Page({kLeast, 90, kMost, 0}).close());
 }
 
-// clang-format off
 TEST(Document, DefinitionsStandInAFixedOrder) {
   check({{"one of each",
-      [](Page& page) {
-        page(SVG_InvertRectangle, box({1, 2, 4, 7})).path({{6, 1, 2}}, SVG_InvertPath);
-        page.clip({0, 0, 1, 1}).font(u"A", 9).text(u"b");
-        page.image(8, {0, 0, 3, 4}, "<svg viewBox=\"0\">c</svg>").image(4, {0, 0, 5, 6}, "d");
-      },
-      "<g id='QZ_x'><g clip-path='url(#QZ_C0)'><text x='1' y='2' class='QZ_fnt0' "
-      "xml:space='preserve'>b</text><use xlink:href='#QZ_S0' transform='translate(0 0)'/>"
-      "<use xlink:href='#QZ_I0' x='0' y='0' width='5' height='6'/></g>" + kMaskUse +
-      "</g><g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>",
-      "<clipPath id='QZ_C0'><path d='M0 0h1v1h-1z'/></clipPath>"
-      "<symbol id='QZ_I0' viewBox='0 0 5 6'><image width='5' height='6' "
-      "xlink:href='data:image/png;base64,ZA=='/></symbol><g id='QZ_G0'><g  >c</g></g>"
-      "<symbol id='QZ_S0' width='3' height='4' viewBox='0'><use xlink:href='#QZ_G0'/></symbol>"
-      "<style>.QZ_fnt0{font:9px A;}</style>" + kFilter +
-      "<mask id='QZ_MI'><path fill='white' d='M1 2'/></mask>"
-      "<filter id='QZ_V0' filterUnits='userSpaceOnUse' x='1' y='2' width='3' height='5'>" +
-      kMatrix}});
+          [](Page& page) {
+            page(SVG_InvertRectangle, box({1, 2, 4, 7})).path({{6, 1, 2}}, SVG_InvertPath);
+            page.clip({0, 0, 1, 1}).font(u"A", 9).text(u"b");
+            page.image(8, {0, 0, 3, 4}, "<svg viewBox=\"0\">c</svg>").image(4, {0, 0, 5, 6}, "d");
+          },
+          "<g id='QZ_x'><g clip-path='url(#QZ_C0)'><text x='1' y='2' class='QZ_fnt0' "
+          "xml:space='preserve'>b</text><use xlink:href='#QZ_S0' transform='translate(0 0)'/>"
+          "<use xlink:href='#QZ_I0' x='0' y='0' width='5' height='6'/></g>" +
+              kMaskUse + "</g><g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>",
+          "<clipPath id='QZ_C0'><path d='M0 0h1v1h-1z'/></clipPath>"
+          "<symbol id='QZ_I0' viewBox='0 0 5 6'><image width='5' height='6' "
+          "xlink:href='data:image/png;base64,ZA=='/></symbol><g id='QZ_G0'><g  >c</g></g>"
+          "<symbol id='QZ_S0' width='3' height='4' viewBox='0'><use xlink:href='#QZ_G0'/></symbol>"
+          "<style>.QZ_fnt0{font:9px A;}</style>" +
+              kFilter +
+              "<mask id='QZ_MI'><path fill='white' d='M1 2'/></mask>"
+              "<filter id='QZ_V0' filterUnits='userSpaceOnUse' x='1' y='2' width='3' height='5'>" +
+              kMatrix}});
 }
 
 TEST(Document, LargePiecesAreWhole) {
@@ -47,12 +47,38 @@ TEST(Document, LargePiecesAreWhole) {
   Page page;
   page.path(path).text(text, {kLeast, 0}, std::vector<int32_t>(text.size()));
   page.image(4, {0, 0, 1, 1}, file + "a");
-  EXPECT_TRUE(markup(document("<path d='" + data + "'/><text x='" + positions + positions +
-      "' y='0' xml:space='preserve'>" + written +
-      "</text><use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>",
-      "<symbol id='QZ_I0' viewBox='0 0 1 1'><image width='1' height='1' xlink:href='data:image/png;"
-      "base64," + base64 + "YQ=='/></symbol>")) == page.close());
+  EXPECT_SAME(
+      markup(document("<path d='" + data + "'/><text x='" + positions + positions +
+                          "' y='0' xml:space='preserve'>" + written +
+                          "</text><use xlink:href='#QZ_I0' x='0' y='0' width='1' height='1'/>",
+                      "<symbol id='QZ_I0' viewBox='0 0 1 1'><image width='1' height='1' "
+                      "xlink:href='data:image/png;"
+                      "base64," +
+                          base64 + "YQ=='/></symbol>")),
+      page.close());
 }
+
+// Texts of all lengths are joined: short ones are copied, where there is room, others linked.
+TEST(Document, BlocksAndWhatFollowsThemHaveAnyLength) {
+  Page page;
+  std::string content;
+  int block = 0;
+  for (const size_t inside : {1u, 100u, 500u, 900u, 1000u, 1100u, 5000u, 1u})
+    for (const size_t behind : {0u, 1u, 100u, 3900u, 4000u, 4096u, 30000u, 1u, 0u}) {
+      page(SVG_BeginCharacterBlock)(SVG_BeginCharacter, at({0, 0}));
+      page.polyline(std::vector<POINT>(inside, {block, 10})).text(std::u16string(behind, u'a'));
+      page(SVG_EndCharacterBlock).line();
+      const std::string number = std::to_string(block++);
+      content += "<g><polyline id='QZ_" + number + "_0' points='" + number + " 10";
+      for (size_t i = 1; i < inside; ++i) content.append(" ").append(number).append(" 10");
+      content += "'/></g>";
+      if (behind > 0)
+        content += "<text x='1' y='2' xml:space='preserve'>" + std::string(behind, 'a') + "</text>";
+      content += kLine;
+    }
+  EXPECT_SAME(markup(document(content)), page.close());
+}
+
 TEST(Close, OnlyTheExactSizeIsAccepted) {
   Page page;
   SVG_Char one = u'~';
@@ -65,11 +91,11 @@ TEST(Close, OnlyTheExactSizeIsAccepted) {
   page(SVG_Close, buffer.data(), size + 1)(SVG_Close, buffer.data(), size - 1);
   EXPECT_EQ(std::vector<SVG_Char>(buffer.size(), u'~'), buffer);
   page(SVG_Close, buffer.data(), size);
-  EXPECT_EQ(document(markup(kLine)) + "\\u0000~", readable(buffer));
+  EXPECT_SAME(document(markup(kLine)) + "\\u0000~", readable(buffer));
   one = u'~';
   page(SVG_Close, buffer.data(), size)(SVG_Close, &one, 1);  // handed over, empty again
   EXPECT_EQ(0, one);
-  EXPECT_EQ(document("", "", kEmptied), page.close());
+  EXPECT_SAME(document("", "", kEmptied), page.close());
 }
 
 TEST(Close, AfterwardsNothingIsRecorded) {
@@ -86,18 +112,18 @@ TEST(Close, AfterwardsNothingIsRecorded) {
   EXPECT_EQ(-1, SVG_GetCurrentClippingRegion(page.generator));
   EXPECT_EQ(1, SVG_SetCurrentClippingRegion(page.generator, 0));
   EXPECT_EQ(100, SVG_GetVersion());
-  EXPECT_EQ(document("", "", kEmptied), page.close());
+  EXPECT_SAME(document("", "", kEmptied), page.close());
 }
 
 TEST(Close, AThirdDocumentKeepsWhatInversionLeft) {
   Page page, other;
   page(SVG_BeginInvertPainting)(SVG_ClearStroke).link(1, u"a").line();
   page(SVG_InvertRectangle, box({0, 0, 9, 9})).close();
-  EXPECT_EQ(document("", markup(kFilter), kEmptied), page.close());
+  EXPECT_SAME(document("", markup(kFilter), kEmptied), page.close());
   other(SVG_InvertPath, nullptr, nullptr, 0)(SVG_InvertRectangle, box({0, 0, 9, 9})).close();
   const std::string mask = "<mask id='QZ_MI'><path fill='white' d=''/></mask>";
   for (int i = 0; i < 2; ++i)
-    EXPECT_EQ(markup(document(kMaskUse, kFilter + mask, kEmptied)), other.close());
+    EXPECT_SAME(markup(document(kMaskUse, kFilter + mask, kEmptied)), other.close());
 }
 
 TEST(Close, ANullHandleIsIgnored) {
@@ -108,8 +134,9 @@ TEST(Close, ANullHandleIsIgnored) {
 
 TEST(Inversion, TravelsWithPaintSetWhileItIsOn) {
   const std::string inverted = "<line filter='url(#QZ_V)' x1='1' y1='2' x2='3' y2='4'/>";
-  const std::string all = " fill='rgb(1,2,3)' fill-opacity='0.200000' stroke='rgb(4,5,6)' "
-                          "stroke-opacity='0.200000' stroke-width='7' filter='url(#QZ_V)'";
+  const std::string all =
+      " fill='rgb(1,2,3)' fill-opacity='0.200000' stroke='rgb(4,5,6)' "
+      "stroke-opacity='0.200000' stroke-width='7' filter='url(#QZ_V)'";
   check({
       {"without a paint call it has no effect",
        [](Page& page) { page(SVG_BeginInvertPainting).line()(SVG_EndInvertPainting); }, kLine},
@@ -134,24 +161,30 @@ TEST(Inversion, TravelsWithPaintSetWhileItIsOn) {
        },
        "<g></g>" + kMaskUse,
        kFilter + "<mask id='QZ_MI'><path fill='white' d='M1 2l2 2z'/><path fill='white' d='l3 4'/>"
-       "</mask>"},
+                 "</mask>"},
       {"rectangles each draw the content again, without the page's filter",
        [](Page& page) {
          page.link()(SVG_InvertRectangle, box({5, 6, 3, 9}));
          page(SVG_InvertRectangle, box({-kMost, -1, kMost, -3}));
        },
-       "<g id='QZ_x'>" + kLink + "</a></g><g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>"
-       "<g filter='url(#QZ_V1)'><use xlink:href='#QZ_x'/></g>",
+       "<g id='QZ_x'>" + kLink +
+           "</a></g><g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>"
+           "<g filter='url(#QZ_V1)'><use xlink:href='#QZ_x'/></g>",
        "<filter id='QZ_V0' filterUnits='userSpaceOnUse' x='5' y='6' width='-2' height='3'>" +
-       kMatrix + "<filter id='QZ_V1' filterUnits='userSpaceOnUse' x='-2147483647' y='-1' "
-       "width='-2' height='-2'>" + kMatrix},
+           kMatrix +
+           "<filter id='QZ_V1' filterUnits='userSpaceOnUse' x='-2147483647' y='-1' "
+           "width='-2' height='-2'>" +
+           kMatrix},
   });
 }
 
 TEST(Groups, FormFieldAttributes) {
   const std::string number = "\xC8\xAF\0\0\0\0\0\0"s, date = " velumark:formFieldType='FT_DATE'";
   const struct {
-    int type, flags, exFlags; std::u16string name; std::string data; int32_t size;
+    int type, flags, exFlags;
+    std::u16string name;
+    std::string data;
+    int32_t size;
     std::string before, after;  // of the bounds
   } cases[] = {
       {16, 3, 0, u"Amount", "4\0002\0"s, 4,
@@ -160,8 +193,10 @@ TEST(Groups, FormFieldAttributes) {
       {14, 0, 255, u"\"", "<\0!"s, 3,
        " velumark:formFieldType='FT_CHECKBOX' velumark:exFieldFlags='255'",
        " velumark:name='&quot;' velumark:typeData='&lt;'"},
-      {15, 255, 1, u"", "a", 1, " velumark:formFieldType='FT_COMBOBOX' "
-       "velumark:fieldFlags='255' velumark:exFieldFlags='1'", ""},
+      {15, 255, 1, u"", "a", 1,
+       " velumark:formFieldType='FT_COMBOBOX' "
+       "velumark:fieldFlags='255' velumark:exFieldFlags='1'",
+       ""},
       {13, 0, 0, {u"\0", 1}, "", 0, "", ""},
       {18, 0, 0, u"a", "", kLeast, "", " velumark:name='a'"},
       {17, 0, 0, u"", number, 8, date, " velumark:typeData='45000 '"},
@@ -176,9 +211,10 @@ TEST(Groups, FormFieldAttributes) {
     Page page;
     page(SVG_BeginFormField, type, flags, exFlags, box({10, 20, -110, 40}), units(name).data(),
          name.size(), odd.data() + 1, size);
-    EXPECT_EQ(document(markup("<g velumark:purpose='FormField'" + before +
-                              " velumark:bounds='10 20 -110 40'" + after + "></g>")),
-              page.close());
+    EXPECT_SAME(document(markup("<g velumark:purpose='FormField'" + before +
+                                " velumark:bounds='10 20 -110 40'" + after + "></g>")),
+                page.close())
+        << "type " << type << ", data of " << size << " bytes";
   }
 }
 
@@ -196,7 +232,10 @@ TEST(Groups, LinksTargetsAndSignatures) {
        "velumark:targetName='c&quot;' xlink:href='#c&quot;'></a>"
        "<a velumark:purpose='HypertextLink' velumark:targetName='d' xlink:href=''></a>"
        "<velumark:target purpose='DocumentTarget' name='' position='72 144'/>"},
-      {"a target alone declares the namespace", [](Page& page) { page.target({1, 2}); },
+      {"a target alone declares the namespace",
+       [](Page& page) {
+         page.target({1, 2});
+       },
        "<velumark:target purpose='DocumentTarget' name='' position='1 2'/>"},
       {"a signature's data is measured in bytes",
        [](Page& page) {
@@ -216,11 +255,10 @@ TEST(Groups, LinksTargetsAndSignatures) {
          page(SVG_BeginSignatureField, &bounds, nullptr, 0, nullptr, 0)(SVG_EndLink).line();
        },
        kLink + kLine + "</a><g velumark:purpose='FormField' velumark:bounds='0 0 1 1'>" + kLine +
-       "</g>" + kLine + kLink + "</a>" + kLine +
-       "<g velumark:purpose='SignatureField' velumark:bounds='0 0 1 1'></g>" + kLine},
+           "</g>" + kLine + kLink + "</a>" + kLine +
+           "<g velumark:purpose='SignatureField' velumark:bounds='0 0 1 1'></g>" + kLine},
   });
 }
-// clang-format on
 
 }  // namespace
 }  // namespace qz::test

@@ -50,13 +50,33 @@ inline std::vector<SVG_Char> units(std::u16string_view text) { return {text.begi
 inline std::string readable(const std::vector<SVG_Char>& text) {
   std::string result;
   for (const SVG_Char unit : text) {
-    const bool plain = (unit >= 0x20 && unit < 0x7F) || unit == u'\t';
-    char written[8] = {static_cast<char>(unit)};
-    if (!plain) std::snprintf(written, sizeof written, "\\u%04x", static_cast<unsigned>(unit));
-    result += written;
+    if ((unit >= 0x20 && unit < 0x7F) || unit == u'\t') {
+      result.push_back(static_cast<char>(unit));
+      continue;
+    }
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(unit));
+    result += escape;
   }
   return result;
 }
+
+// Shows where two texts part, with what stands around it.
+inline testing::AssertionResult sameText(const char*, const char*, const std::string& expected,
+                                         const std::string& actual) {
+  if (expected == actual) return testing::AssertionSuccess();
+  const size_t shorter = std::min(expected.size(), actual.size());
+  size_t offset = 0;
+  while (offset < shorter && expected[offset] == actual[offset]) ++offset;
+  const size_t start = offset - std::min<size_t>(offset, 50);
+  testing::AssertionResult result = testing::AssertionFailure()
+                                    << "different from character " << offset << " on";
+  for (const std::string* text : {&expected, &actual})
+    result << (text == &expected ? "\n  expected: [" : "\n  actual:   [")
+           << text->substr(start, offset - start) << "] " << text->substr(offset, 50);
+  return result;
+}
+#define EXPECT_SAME(expected, actual) EXPECT_PRED_FORMAT2(::qz::test::sameText, expected, actual)
 
 // Arguments live on the heap in their exact size and die with the call that they are for.
 struct Page {
@@ -134,7 +154,8 @@ inline void check(const std::vector<Case>& cases) {
   for (const Case& each : cases) {
     Page page;
     each.draw(page);
-    EXPECT_EQ(document(markup(each.content), markup(each.definitions)), page.close()) << each.rule;
+    EXPECT_SAME(document(markup(each.content), markup(each.definitions)), page.close())
+        << each.rule;
   }
 }
 

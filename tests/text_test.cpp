@@ -3,9 +3,11 @@
 namespace qz::test {
 namespace {
 
-// clang-format off
 TEST(Text, EveryUnitBelongsToTheRun) {
-  const struct { std::u16string text; const char* written; } cases[] = {
+  const struct {
+    std::u16string text;
+    const char* written;
+  } cases[] = {
       {u"<a> & \"b\" 'c'", "&lt;a&gt; &amp; &quot;b&quot; &apos;c&apos;"},
       {{u"a\0b\0", 4}, "a\tb"},  // a NUL is a TAB, in the last place nothing
       {{u"\0\0", 2}, "\t"},
@@ -15,8 +17,24 @@ TEST(Text, EveryUnitBelongsToTheRun) {
       {{0xDC00, 1, 0x7F, 0xFFFF, 0xD800}, "\\udc00\\u0001\\u007f\\uffff\\ud800"},
   };
   for (const auto& [text, written] : cases)
-    EXPECT_EQ(document(markup("<text x='1' y='2' xml:space='preserve'>") + written + "</text>"),
-              Page().text(text).close());
+    EXPECT_SAME(document(markup("<text x='1' y='2' xml:space='preserve'>") + written + "</text>"),
+                Page().text(text).close())
+        << written;
+}
+
+TEST(Text, EachMarkupCharacterIsFoundAnywhere) {
+  const std::pair<char16_t, const char*> cases[] = {
+      {u'<', "&lt;"}, {u'>', "&gt;"}, {u'&', "&amp;"}, {u'"', "&quot;"},   {u'\'', "&apos;"},
+      {u'\0', "\t"},  {u'#', "#"},    {u'=', "="},     {u'\1', "\\u0001"}, {u'\u013C', "\\u013c"}};
+  for (const auto& [unit, written] : cases)
+    for (size_t place = 0; place < 40; ++place) {
+      std::u16string text(41, u'a');
+      text[place] = unit;
+      EXPECT_SAME(
+          document(markup("<text x='1' y='2' xml:space='preserve'>") + std::string(place, 'a') +
+                   written + std::string(40 - place, 'a') + "</text>"),
+          Page().text(text).close());
+    }
 }
 
 TEST(Text, PositionsAndScaling) {
@@ -34,7 +52,10 @@ TEST(Text, PositionsAndScaling) {
        },
        "<text x='10 17-3 0' y='-5' xml:space='preserve'>abcd</text>"
        "<text x='-5-2' y='0' xml:space='preserve'>&amp;</text>"},
-      {"positions wrap", [](Page& page) { page.text(u"ab", {kMost, 0}, {1, -1}, 200); },
+      {"positions wrap",
+       [](Page& page) {
+         page.text(u"ab", {kMost, 0}, {1, -1}, 200);
+       },
        "<text x='2147483647-2147483648' y='0' textLength='0' lengthAdjust='spacingAndGlyphs' "
        "velumark:characterScaling ='200' xml:space='preserve'>ab</text>"},
       {"scaling needs advances; its length includes the last one",
@@ -91,7 +112,8 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
        },
        "<g stroke='rgb(0,0,0)' stroke-width='8'>"
        "<path id='QZ_0_0' transform='translate(100 50)' d='M0 0h5v5h-5z'/>"
-       "<use xlink:href='#QZ_0_0' x='30'/><use xlink:href='#QZ_0_0' x='60' y='-10'/></g>" + kLine},
+       "<use xlink:href='#QZ_0_0' x='30'/><use xlink:href='#QZ_0_0' x='60' y='-10'/></g>" +
+           kLine},
       {"several shapes have suffixes; a known one among them is reused",
        [](Page& page) {
          square(squareAt(page(SVG_BeginCharacterBlock), {0, 0}), {0, 0}, 6);
@@ -155,7 +177,8 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
        [](Page& page) {
          reference(character(page, {1, 1}), 0, {1, 1})(SVG_EndCharacter)(SVG_EndCharacterBlock);
          page(SVG_BeginCharacterBlock).line();
-       }, "<g></g>"},
+       },
+       "<g></g>"},
       {"everything but shapes goes behind the block, groups to the page",
        [](Page& page) {
          character(page(SVG_BeginCharacterBlock), {0, 0}).text(u"a").line().link(2, u"b");
@@ -164,11 +187,10 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
        "<g><line id='QZ_0_0.0' x1='1' y1='2' x2='3' y2='4'/><use xlink:href='#QZ_0_0.0'/></g>"
        "<text x='1' y='2' xml:space='preserve'>a</text><a velumark:purpose='HypertextLink' "
        "velumark:linkType='FT_INTERNALLINK' velumark:targetName='b' xlink:href='#b'>"
-       "<velumark:target purpose='DocumentTarget' name='c' position='3 4'/>" + kLine +
-       "<g></g></a>"},
+       "<velumark:target purpose='DocumentTarget' name='c' position='3 4'/>" +
+           kLine + "<g></g></a>"},
   });
 }
-// clang-format on
 
 }  // namespace
 }  // namespace qz::test

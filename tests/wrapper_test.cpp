@@ -11,6 +11,7 @@ decltype(&SVG_Close) closing = SVG_Close;  // what the wrapper calls
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 namespace qz::test {
 namespace {
@@ -46,6 +47,12 @@ void drawWithC(Page& page) {
 }
 
 void drawLine(qzsvggen::Page& page) { page.drawLine({1, 2}, {3, 4}); }
+
+// A scope ends where this returns.
+template <class Scope>
+void drawLineWithin(Scope, qzsvggen::Page& page) {
+  drawLine(page);
+}
 
 void drawWithWrapper(qzsvggen::Page& page) {
   page.setStroke(255, 1, 2, 3, 4);
@@ -91,19 +98,13 @@ void drawWithWrapper(qzsvggen::Page& page) {
   EXPECT_EQ(std::nullopt, page.currentClippingRegion());
   EXPECT_FALSE(page.setCurrentClippingRegion(99));
   drawLine(page);
-  {
-    auto field = page.formField(FieldType::kDate, small, u"due", date, 1, 2);
-    drawLine(page);
-  }
+  drawLineWithin(page.formField(FieldType::kDate, small, u"due", date, 1, 2), page);
   auto link = page.link(LinkType::kInternal, u"here");
   drawLine(page);
   link.end();
   drawLine(page);
   page.setDocumentTarget({7, 8}, u"here");
-  {
-    auto field = page.signatureField(small, u"by", u"info");
-    drawLine(page);
-  }
+  drawLineWithin(page.signatureField(small, u"by", u"info"), page);
   drawLine(page);
 }
 
@@ -113,7 +114,7 @@ TEST(Wrapper, CallsWriteWhatTheCCallsWrite) {
   qzsvggen::Page drawn({0, 0, 100, 50});
   drawWithWrapper(drawn);
   qzsvggen::Page moved(std::move(drawn));
-  EXPECT_EQ(expected.close(), readable(units(moved.close())));
+  EXPECT_SAME(expected.close(), readable(units(moved.close())));
 }
 
 TEST(Wrapper, RefusesWhatIsUndefined) {
@@ -142,7 +143,8 @@ TEST(Wrapper, WritesBytes) {
   const char16_t lone[] = {0xDE00, u'x', 0xD83D};
   EXPECT_EQ("\xEF\xBF\xBDx\xEF\xBF\xBD", qzsvggen::toUtf8({lone, 3}));
 
-  const auto path = std::filesystem::temp_directory_path() / "qzsvggen_wrapper_test.svg";
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("qzsvggen_wrapper_test_" + std::to_string(std::random_device()()) + ".svg");
   qzsvggen::writeFile(path, u"a\n\u6F22");
   std::ifstream file(path, std::ios::binary);
   EXPECT_EQ("\xFF\xFE\x61\0\n\0\x22\x6F"s, std::string(std::istreambuf_iterator<char>(file), {}));

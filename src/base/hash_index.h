@@ -70,7 +70,7 @@ class HashIndex {
   };
   size_t mask() const { return slots_.size() - 1; }
   size_t start(uint64_t key) const {
-    return static_cast<size_t>(foldedProduct(key ^ secret_, 0x9e3779b97f4a7c15));
+    return static_cast<size_t>(foldedProduct(key ^ secret_, secret_ | 1));
   }
   // Where a key's search ends without having found it.
   Slot& freeSlot(uint64_t key) {

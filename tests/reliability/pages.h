@@ -18,22 +18,21 @@ struct RecordedPage {
   std::vector<std::string> functions;  // the name of each of the recording's calls
 };
 
-// All recordings in these directories; says which directories do not exist.
-inline std::vector<RecordedPage> readPages(char** begin, char** end) {
+// All recordings in the directories of a program's arguments. One that does not exist, or holds
+// none, ends the program.
+inline std::vector<RecordedPage> readPages(char** directories) {
   std::vector<RecordedPage> pages;
-  for (; begin != end; ++begin) {
-    if (!std::filesystem::is_directory(*begin)) {
-      std::cout << *begin << " does not exist: its pages are left out\n";
-      continue;
-    }
-    for (const auto& file : std::filesystem::directory_iterator(*begin)) {
+  for (; *directories != nullptr; ++directories) {
+    const size_t before = pages.size();
+    for (const auto& file : std::filesystem::directory_iterator(*directories)) {
       if (file.path().extension() != ".jsonl") continue;
-      RecordedPage& page = pages.emplace_back(file.path().stem().string(), Recording(*begin));
+      RecordedPage& page = pages.emplace_back(file.path().stem().string(), Recording(*directories));
       std::ifstream lines(file.path());
       for (std::string line; std::getline(lines, line); page.recording.append(line))
         if (page.recording.page() != nullptr)
           page.functions.push_back(line.substr(2, line.find('"', 2) - 2));
     }
+    if (pages.size() == before) throw std::runtime_error(std::string("no page in ") + *directories);
   }
   return pages;
 }

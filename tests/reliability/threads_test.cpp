@@ -18,8 +18,8 @@ Document draw(const RecordedPage& page) {
 
 }  // namespace
 
-int main(int count, char** arguments) {
-  const std::vector<RecordedPage> pages = readPages(arguments + 1, arguments + count);
+int main(int, char** arguments) {
+  const std::vector<RecordedPage> pages = readPages(arguments + 1);
   std::vector<Document> twins;
   for (const RecordedPage& page : pages) twins.push_back(draw(page));
 
