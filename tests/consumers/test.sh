@@ -53,6 +53,15 @@ case $way in
     cmake --install "$work/build" --prefix "$prefix" >"$work/log"
     [ ! -e "$prefix" ]
     ;;
+  static)
+    quietly cmake -S "$consumers/../.." -B "$work/library" -DBUILD_SHARED_LIBS=OFF \
+      -DQZSVGGEN_DEVELOPER=OFF
+    quietly cmake --build "$work/library" --parallel 2
+    build=$work/library install_and_move
+    pkg_config
+    find_package
+    draw "$work/build/consumer"
+    ;;
   deb)
     pack DEB
     for package in "$work"/*.deb; do dpkg -x "$package" "$work/root"; done
