@@ -32,7 +32,8 @@
  *                size of SVG pictures.
  *   Text         UTF-16 code units, not necessarily zero-terminated, with a count of code units.
  *                Opaque data (form field type data, signature info data) comes with a size in
- *                bytes instead and is read as size / 2 code units. Every host text is escaped:
+ *                bytes instead and is read as size / 2 code units. A count or size below 1 gives
+ *                empty text, and the pointer is not read. Every host text is escaped:
  *                the five characters " & ' < > become entities, an embedded NUL becomes a TAB, a
  *                NUL in the last counted place is dropped. All other units, lone surrogates and
  *                control characters included, pass through unchanged.
@@ -48,12 +49,13 @@
  *   Results      Almost every function returns 0 whatever happens. Results that inform:
  *                SVG_Create, SVG_Close, SVG_GetVersion, SVG_GetCurrentClippingRegion and
  *                SVG_SetCurrentClippingRegion.
- *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0. A
- *                shape, text run, target or state call has no effect then; a picture, a group or a
- *                character may have part of its effect (a definition without a use, say). The page
+ *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0. Any
+ *                other call has no effect then, but that a picture, a character or a character
+ *                block may have part of its effect (a definition without a use, say). The page
  *                stays consistent and usable. No exception leaves the library.
  *   Undefined    A deleted handle, a null pointer where a value is read, a count that is larger
- *                than the array behind it. None of this is checked.
+ *                than the array behind it. None of this is checked. A call that comes when it
+ *                does nothing, after SVG_Close or outside a character block, say, reads nothing.
  */
 #pragma once
 
@@ -174,7 +176,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_GetVersion(void) QZSVGGEN_NOEXCEPT;
  * Before the first call, and after the document was handed over, the document is empty: a buffer
  * of size 1 is accepted and gets the zero. A further SVG_Close with a null buffer writes the
  * document of the emptied page: width and height 0 and no content, but still what inversion has
- * left (see SVG_InvertPath).
+ * left (see SVG_BeginInvertPainting and SVG_InvertPath). It takes the place of a document that was
+ * not handed over yet.
  *
  * The document is one svg element without an XML declaration and without line breaks. Extension
  * attributes use the prefix velumark, namespace urn:velumark:svg:1, declared when one is used.
@@ -209,7 +212,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_ClearStroke(SvgGenerator* generator) QZSV
 /*
  * Turns invert painting on: colours come out as their complements. Returns 0.
  * It takes effect with the next SVG_SetFill, SVG_SetStroke or SVG_ClearStroke: what is drawn before
- * one of them keeps the paint set earlier. Begin and End do not nest.
+ * one of them keeps the paint set earlier. Begin and End do not nest. The first such call brings a
+ * filter into the definitions, of this and of every later document of the same generator.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginInvertPainting(SvgGenerator* generator)
     QZSVGGEN_NOEXCEPT;
@@ -221,8 +225,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndInvertPainting(SvgGenerator* generator
  * Inverts the area of a path. The arguments are those of SVG_DrawPath. Returns 0.
  *
  * The path goes into a mask in the definitions, and the content ends with a use of "#content"
- * through that mask; no element of the document has that id, it is the consumer's to give. Mask
- * and use also appear in every later document of the same generator.
+ * through that mask; no element of the document has that id, it is the consumer's to give. Filter,
+ * mask and use also appear in every later document of the same generator.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_InvertPath(SvgGenerator* generator, const POINT* points,
                                                   const uint8_t* types,
@@ -282,7 +286,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, cons
  * types     `count` bytes, one a point: PT_MOVETO, PT_LINETO, PT_BEZIERTO, the last two with
  *           PT_CLOSEFIGURE added where the figure closes. Each figure starts with a move; curve
  *           points come in threes. Other values are tolerated: 1 closes the figure, the rest write
- *           nothing, but what follows is measured from their points.
+ *           nothing, but what follows is measured from their points. After a curve point, until the
+ *           next line or move, they count as one of its three.
  * count     0 draws a path without data
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPath(SvgGenerator* generator, const POINT* points,
@@ -378,9 +383,14 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(
  * quality   compression quality, recorded as velumark:compressionQuality unless it is 100; ignored
  *           for SVG pictures
  *
- * The same bytes placed again are stored once. An SVG picture is UTF-8, or UTF-16 with or without a
- * byte-order mark; white space must follow the "<svg" of its root element. A picture in which no
- * such root element and its end are found draws nothing.
+ * The same bytes placed again are stored once. Pictures are known again by a 32-bit hash: of two
+ * PNG or JPEG files with one hash the first is shown for both, and a file whose hash is 0xFFFFFFFF
+ * draws nothing. The hash of an SVG picture is that of its content.
+ *
+ * An SVG picture is UTF-8 or UTF-16 with a byte-order mark, or without one UTF-8 or little-endian
+ * UTF-16 that begins with an ASCII character; white space must follow the "<svg" of its root
+ * element. A picture in which no such root element and its end are found, because of other
+ * encodings too, draws nothing.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16_t format,
                                                  const RECT* bounds, const uint8_t* data,
@@ -399,7 +409,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginClippingRegion(SvgGenerator* generat
                                                            const RECT* rectangle) QZSVGGEN_NOEXCEPT;
 
 /*
- * Adds a rectangle to the current region; without one it does nothing. Returns 0.
+ * Adds a rectangle to the current region; without one it does nothing, and `rectangle` may be null.
+ * Returns 0.
  * Where added rectangles overlap, the overlap is left out (even-odd rule).
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_AddClippingRegion(SvgGenerator* generator,
