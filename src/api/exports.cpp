@@ -175,7 +175,7 @@ int32_t QZSVGGEN_CALL SVG_EndCharacterBlock(SvgGenerator* generator) noexcept {
 }
 
 int32_t QZSVGGEN_CALL SVG_BeginCharacter(SvgGenerator* generator, const POINT* position) noexcept {
-  return record(generator, [=](Page& page) { page.beginCharacter(position, std::nullopt); });
+  return record(generator, [=](Page& page) { page.beginCharacter(position); });
 }
 
 int32_t QZSVGGEN_CALL SVG_EndCharacter(SvgGenerator*) noexcept { return 0; }

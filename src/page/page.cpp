@@ -87,7 +87,7 @@ void Page::endBlock() {
   if (blocks_.isOpen()) content_.endBlock(blocks_.end());
 }
 
-void Page::beginCharacter(const POINT* position, std::optional<uint32_t> reference) {
+void Page::beginCharacter(const POINT* position, uint32_t reference) {
   if (blocks_.isOpen()) blocks_.beginCharacter(*position, reference);
 }
 

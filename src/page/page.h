@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 
 #include "clip/clip_regions.h"
 #include "images/raster_images.h"
@@ -48,7 +47,7 @@ class Page {
 
   void beginBlock();
   void endBlock();
-  void beginCharacter(const POINT* position, std::optional<uint32_t> reference);
+  void beginCharacter(const POINT* position, uint32_t reference = CharacterBlocks::kNoReference);
 
   void openGroup(const Group& group);
   void closeGroup() { content_.closeGroup(); }

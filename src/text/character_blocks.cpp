@@ -49,9 +49,10 @@ void CharacterBlocks::writeEnd(MarkupText& out) const {
   out.append("</g>");
 }
 
-void CharacterBlocks::beginCharacter(const POINT& position, std::optional<uint32_t> reference) {
+void CharacterBlocks::beginCharacter(const POINT& position, uint32_t reference) {
   makeRoom(firstGlyphs_);
-  text_.appendWhole([this](MarkupText& out) { writeCharacterEnd(out); });
+  if (bodyWaits_ || partCount_ == 0)
+    text_.appendWhole([this](MarkupText& out) { writeCharacterEnd(out); });
   bodyWaits_ = false;
   firstGlyphs_.push_back(kNoGlyph);
   position_ = position;
@@ -66,8 +67,8 @@ void CharacterBlocks::writeCharacterEnd(MarkupText& out) const {
     out.append("\"");
     out.appendText(body_);
   }
-  if (partCount_ != 0 || !reference_ || *reference_ >= firstGlyphs_.size()) return;
-  const GlyphNumber glyph = firstGlyphs_[*reference_];
+  if (partCount_ != 0 || reference_ >= firstGlyphs_.size()) return;
+  const GlyphNumber glyph = firstGlyphs_[reference_];
   if (glyph != kNoGlyph) writeUse(out, glyph);
 }
 
@@ -89,17 +90,16 @@ void CharacterBlocks::draw(const Shape& shape) {
 // Writes an outline, or a use of the one that it equals.
 GlyphNumber CharacterBlocks::place(const Shape& shape) {
   const TypedPoints* const path = shape.typedPoints();
-  std::optional<GlyphNumber> known;
-  if (path != nullptr) known = glyphs_.findByPoints(*path);
-  if (!known) {
+  GlyphNumber known = path == nullptr ? kNoGlyph : glyphs_.findByPoints(*path);
+  if (known == kNoGlyph) {
     body_.restart();
     const uint64_t textHash = shape.writeHashedBody(body_, {position_, 0}).value();
     known = glyphs_.findByText(textHash);
-    if (!known) return define(shape, textHash);
-    if (path != nullptr) glyphs_.rememberPoints(*path, *known);
+    if (known == kNoGlyph) return define(shape, textHash);
+    if (path != nullptr) glyphs_.rememberPoints(*path, known);
   }
-  writeUse(text_, *known);
-  return *known;
+  writeUse(text_, known);
+  return known;
 }
 
 // An outline that is seen for the first time; its body is written already.

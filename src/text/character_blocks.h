@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 #include "markup/markup_text.h"
@@ -22,9 +21,10 @@ class CharacterBlocks {
   // Ends the open block and returns its markup, for the page to take.
   MarkupText& end();
 
-  // Starts a character. One with a `reference`, an index, repeats the first outline of that
-  // character, unless it is drawn after all.
-  void beginCharacter(const POINT& position, std::optional<uint32_t> reference);
+  // Starts a character. One with a `reference`, the index of an earlier one, repeats the first
+  // outline of that character, unless it is drawn after all.
+  static constexpr uint32_t kNoReference = UINT32_MAX;
+  void beginCharacter(const POINT& position, uint32_t reference);
   // Adds an outline to the newest character; before the first one it does nothing, reads nothing.
   void draw(const Shape& shape);
 
@@ -33,8 +33,6 @@ class CharacterBlocks {
   void writeEnd(MarkupText& out) const;
 
  private:
-  static constexpr GlyphNumber kNoGlyph = UINT32_MAX;
-
   GlyphNumber place(const Shape& shape);
   GlyphNumber define(const Shape& shape, uint64_t textHash);
   void writeUse(MarkupText& out, GlyphNumber glyph) const;
@@ -50,7 +48,7 @@ class CharacterBlocks {
   std::vector<GlyphNumber> firstGlyphs_;
   // Its newest character.
   POINT position_{0, 0};
-  std::optional<uint32_t> reference_;
+  uint32_t reference_ = kNoReference;
   int32_t partCount_ = 0;
   // What follows the id of the outline that was written last, from the attributes' end. After a
   // character's first outline it waits for the next call: whether the id tells the part depends on

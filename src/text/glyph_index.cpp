@@ -12,15 +12,15 @@ size_t pointsSize(const TypedPoints& path) { return path.count * sizeof(POINT); 
 // A hash for this process alone. Without knowing the secret nobody can supply bytes of one hash.
 class BytesHash {
  public:
-  explicit BytesHash(uint64_t secret)
-      : secret_(secret), first_(secret), second_(secret ^ 0x13198a2e03707344) {}
+  BytesHash(uint64_t secret, uint64_t start)
+      : secret_(secret), first_(secret ^ start), second_(secret ^ 0x13198a2e03707344) {}
 
   void add(const void* bytes, size_t size) {
     const auto* next = static_cast<const unsigned char*>(bytes);
     for (; size >= kStep; size -= kStep, next += kStep) mixStep(next);
+    if (size == 0) return;
     unsigned char rest[kStep] = {};
-    if (size > 0) std::memcpy(rest, next, size);
-    rest[kStep - 1] = static_cast<unsigned char>(size);
+    std::memcpy(rest, next, size);
     mixStep(rest);
   }
   uint64_t value() const { return foldedProduct(first_ ^ secret_, second_); }
@@ -46,7 +46,7 @@ class BytesHash {
 }  // namespace
 
 uint64_t GlyphIndex::hashPoints(const TypedPoints& path) const {
-  BytesHash hash(points_.secret());
+  BytesHash hash(points_.secret(), path.count);
   hash.add(path.points, pointsSize(path));
   hash.add(path.types, path.count);
   return hash.value();
@@ -57,12 +57,11 @@ bool GlyphIndex::KnownPath::equals(const TypedPoints& path) const {
          std::memcmp(bytes + pointsSize(path), path.types, count) == 0;
 }
 
-std::optional<GlyphNumber> GlyphIndex::findByPoints(const TypedPoints& path) const {
-  if (path.count == 0 || paths_.empty()) return std::nullopt;
+GlyphNumber GlyphIndex::findByPoints(const TypedPoints& path) const {
+  if (path.count == 0 || paths_.empty()) return kNoGlyph;
   const auto known = points_.find(
       hashPoints(path), [&](HashIndex::Number number) { return paths_[number].equals(path); });
-  if (!known) return std::nullopt;
-  return paths_[*known].glyph;
+  return known ? paths_[*known].glyph : kNoGlyph;
 }
 
 void GlyphIndex::makeRoom() {

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <memory_resource>
-#include <optional>
 #include <vector>
 
 #include "base/hash_index.h"
@@ -12,6 +11,7 @@
 namespace qz {
 
 using GlyphNumber = uint32_t;
+inline constexpr GlyphNumber kNoGlyph = UINT32_MAX;
 
 // A written outline: its id is "QZ_{block}_{character}", with ".{part}" when its character has
 // several outlines.
@@ -30,8 +30,11 @@ struct Glyph {
 // different arguments.)
 class GlyphIndex {
  public:
-  std::optional<GlyphNumber> findByText(uint64_t textHash) const { return texts_.find(textHash); }
-  std::optional<GlyphNumber> findByPoints(const TypedPoints& path) const;
+  // Both return kNoGlyph when there is none.
+  GlyphNumber findByText(uint64_t textHash) const {
+    return texts_.find(textHash).value_or(kNoGlyph);
+  }
+  GlyphNumber findByPoints(const TypedPoints& path) const;
 
   // Adds the outline under the number count(). After makeRoom() it cannot fail.
   void makeRoom();
