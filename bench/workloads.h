@@ -144,7 +144,8 @@ struct SvgPicture {
       file += "<path d=\"M" + std::to_string(x) + " " + std::to_string(y) +
               "l90 10\" fill=\"none\"/>\n";
     }
-    return file += kEnd;
+    file += kEnd;
+    return file;  // without a copy, see makeList
   }();
 
   static void define(FlatPage& page, PageData, int) {
