@@ -66,6 +66,8 @@ class Bench:
     def measure(self, workload, count, heap, subjects, threads=1, library=""):
         """Elements a second by subject and number of threads, and the report's context."""
         repetitions, seconds = self.speed
+        if count > 100_000:
+            repetitions = 4  # each takes seconds
         report = self.report(heap, library, [
             workload, str(count), str(threads), f"--benchmark_filter={subjects}",
             f"--benchmark_repetitions={repetitions}", f"--benchmark_min_time={seconds}",
