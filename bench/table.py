@@ -40,7 +40,7 @@ DOCS = pathlib.Path(__file__).parent.parent / "docs/performance.md"
 
 
 class Bench:
-    """Runs the program; keeps what it reported in a file, and measures nothing that stands there."""
+    """Runs the program; keeps the reports in a file, and measures nothing that it holds."""
 
     def __init__(self, program, quick, file):
         self.program, self.file = program, file
@@ -169,7 +169,7 @@ def main():
     parser.add_argument("--json", type=pathlib.Path, metavar="FILE",
                         help="keep Google Benchmark's reports there, and go on from what it holds")
     parser.add_argument("--beside", default="", metavar="DIRECTORY",
-                            help="of another build of the library; 'other /' is its time / this one's")
+                        help="of another build of the library; 'other /' is its time / this one's")
     parser.add_argument("--docs", action="store_true", help="put the tables in docs/performance.md")
     options = parser.parse_intermixed_args()
     if options.docs and options.workloads:
@@ -184,7 +184,7 @@ def main():
     cores = os.cpu_count()
     head = [f"{versions()}{processor()}, {cores} cores; load {os.getloadavg()[0]:.1f} at the start"
             f"{', fewer repetitions (--quick)' if options.quick else ''}.", "",
-            "Two heaps side by side. *default*: glibc's allocator as every process gets it. *kept*:",
+            "Two heaps side by side. *default*: glibc's allocator as processes get it. *kept*:",
             f"told to keep what is freed (`GLIBC_TUNABLES={HEAPS['kept']}`).", ""]
     print("\n".join(head))
     lines = head
