@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "qzsvggen/qzsvggen.h"
+#include "qzsvggen/qzsvggen.hpp"
 
 namespace bench {
 
@@ -30,11 +30,6 @@ struct Pair {
 // Host text; who writes it has to look at every unit.
 struct Escaped {
   std::u16string_view text;
-};
-
-struct Base64 {
-  const uint8_t* data;
-  size_t size;
 };
 
 class FlatWriter {
@@ -103,21 +98,19 @@ class FlatWriter {
     append(pair.y);
   }
 
-  void append(const Base64& bytes) {
+  void append(const qzsvggen::Bytes& bytes) {  // as base64
     static constexpr char16_t kAlphabet[] =
         u"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const auto* data = static_cast<const uint8_t*>(bytes.data());
     char16_t* out = out_;
-    size_t i = 0;
-    for (; i + 3 <= bytes.size; i += 3, out += 4) {
-      const uint8_t* const data = bytes.data + i;
-      const uint32_t group = data[0] << 16 | data[1] << 8 | data[2];
-      for (int k = 0; k < 4; ++k) out[k] = kAlphabet[group >> (18 - 6 * k) & 63];
-    }
-    if (const size_t rest = bytes.size - i; rest > 0) {
-      const uint32_t group = bytes.data[i] << 16 | (rest > 1 ? bytes.data[i + 1] << 8 : 0);
-      for (size_t k = 0; k < 4; ++k, ++out)
-        *out = k <= rest ? kAlphabet[group >> (18 - 6 * k) & 63] : u'=';
-    }
+    const auto encode = [&](uint32_t group, int characters) {
+      for (int k = 0; k < 4; ++k)
+        *out++ = k < characters ? kAlphabet[group >> (18 - 6 * k) & 63] : u'=';
+    };
+    size_t rest = bytes.size();
+    for (; rest >= 3; rest -= 3, data += 3) encode(data[0] << 16 | data[1] << 8 | data[2], 4);
+    if (rest == 2) encode(data[0] << 16 | data[1] << 8, 3);
+    if (rest == 1) encode(data[0] << 16, 2);
     out_ = out;
   }
 

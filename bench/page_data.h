@@ -1,18 +1,16 @@
 // The host's data that the workloads draw: pseudo-random, the same in every run.
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
+#include <cmath>
+#include <numbers>
+#include <random>
 
-#include "qzsvggen/qzsvggen.h"
+#include "qzsvggen/qzsvggen.hpp"
 
 namespace bench {
 
 constexpr int kPageSize = 12000;
-constexpr int kPictureWidth = 400;
-constexpr int kPictureHeight = 300;
-constexpr int kRunLength = 40;
+constexpr RECT kPage = {0, 0, kPageSize, kPageSize};
 
 struct Colour {
   uint8_t red;
@@ -20,71 +18,79 @@ struct Colour {
   uint8_t blue;
 };
 
-struct Outline {
-  const POINT* points;
-  const uint8_t* types;
-  int count;
-};
+// Lists are never given back: a large block that is freed tells glibc to keep more of the heap from
+// then on, and what is measured is a process to which that never happened.
+template <class Make>
+auto makeList(size_t count, Make make) {
+  std::mt19937 random(1);
+  std::vector<decltype(make(random, 0))> list(count);
+  for (size_t i = 0; i < count; ++i) list[i] = make(random, static_cast<int>(i));
+  return list;
+}
 
-// Elements take what stands in a row or at odd steps in lists that stay in the second-level cache,
-// as data that a host has just computed does. A page begins elsewhere and steps differently from
-// the one before: drawn over and over again, the same page would teach the processor's branch
-// predictor its digits, which no host's page does.
+// One page's view of lists that stay in the second-level cache, as data that a host has just
+// computed does. A page begins elsewhere and steps differently from the one before: drawn over and
+// over again, the same page would teach the processor's branch predictor its digits, which no
+// host's page does.
 class PageData {
  public:
-  static PageData& get();
+  explicit PageData(int page) : offset_(4099 * (page % 61)), step_(2 * (page % 61) + 1) {}
 
-  static constexpr int kPages = 61;
-  void turnTo(int page) {
-    offset_ = 4099 * static_cast<size_t>(page);
-    step_ = 2 * static_cast<size_t>(page) + 1;
+  const POINT& point(int i) const { return points_[entry(i * step_)]; }
+  qzsvggen::Points points(int i, size_t count) const { return {&points_[entry(i * count)], count}; }
+  const RECT& rectangle(int i) const { return rectangles_[entry(i * step_)]; }
+  // Rectangles that neither touch nor contain each other, for i below 71 squared.
+  RECT cell(int i) const {
+    const auto [x, y] = point(i);
+    const int32_t left = i % 71 * 169 + (x & 31), top = i / 71 * 169 + (y & 31);
+    return {left, top, left + 20 + (y & 63), top + 20 + (x & 63)};
+  }
+  RECT frame(int i) const {  // where a picture stands
+    const auto [x, y] = point(i);
+    return {x, y, x + 400, y + 300};
+  }
+  Colour colour(int i) const {
+    const auto [x, y] = point(i);
+    return {static_cast<uint8_t>(x | 1), static_cast<uint8_t>(y), static_cast<uint8_t>(x >> 4)};
+  }
+  // Points around a circle, from the one that is number i on.
+  qzsvggen::Points outline(int i, size_t count) const { return {&outlinePoints_[entry(i)], count}; }
+  std::u16string_view run(int i) const { return {&letters_[entry(i * 7)], 40}; }
+  qzsvggen::Span<int32_t> advances(int i) const { return {&advances_[entry(i * 11)], 40}; }
+  // The file of a picture: pictures of one size lie one behind the other.
+  static qzsvggen::Bytes picture(int number, size_t size) {
+    return {&bytes_[static_cast<size_t>(number) * size], size};
   }
 
-  const POINT& point(size_t i) const { return points_[scattered(i)]; }
-  const RECT& rectangle(size_t i) const { return rectangles_[scattered(i)]; }
-  const Colour& colour(size_t i) const { return colours_[scattered(i)]; }
-  // `count` points in a row.
-  const POINT* points(size_t i, size_t count) const { return &points_[inRow(i * count)]; }
-  // A closed figure of four lines and four curves.
-  Outline figure(size_t i) const;
-  // The outline of a glyph: two closed figures, different for each i below 6,553.
-  Outline glyph(size_t i) const;
-  std::u16string_view run(size_t i) const { return {&letters_[inRow(i * 7)], kRunLength}; }
-  const int32_t* advances(size_t i) const { return &advances_[inRow(i * 11)]; }
-  // Rectangles that neither touch nor contain each other, for i below kCells squared.
-  RECT cell(size_t i) const;
-  static constexpr int kCells = 71;
-  // Where a picture stands.
-  RECT frame(size_t i) const;
-
-  // The bytes of pictures: one of 1 MiB, and small ones of 268 bytes.
-  const std::vector<uint8_t>& largePicture() const { return largePicture_; }
-  const uint8_t* smallPicture(size_t i) const { return &smallPictures_[i * kSmallPicture]; }
-  static constexpr int kSmallPicture = 268;
-  static constexpr int kSmallPictures = 20000;
-  // What stands between the start tag and the end tag of an SVG picture of 1 MiB.
-  const std::string& svgContent() const { return svgContent_; }
-
  private:
-  PageData();
-
-  size_t scattered(size_t i) const { return (i * step_ + offset_) % kCount; }
-  size_t inRow(size_t i) const { return (i + offset_) % kCount; }
-
   static constexpr size_t kCount = 32768;
-  static constexpr size_t kTail = 128;  // entries that can be read in a row from anywhere
+  static constexpr size_t kRoom = kCount + 128;  // so many can be read in a row from anywhere
 
-  size_t offset_ = 0;
-  size_t step_ = 1;
-  std::vector<POINT> points_;         // on the whole page
-  std::vector<POINT> outlinePoints_;  // around circles
-  std::vector<RECT> rectangles_;
-  std::vector<Colour> colours_;
-  std::u16string letters_;
-  std::vector<int32_t> advances_;
-  std::vector<uint8_t> largePicture_;
-  std::vector<uint8_t> smallPictures_;
-  std::string svgContent_;
+  size_t entry(size_t i) const { return (i + offset_) % kCount; }
+
+  static inline const auto points_ = makeList(kRoom, [](auto& random, int) -> POINT {
+    return {static_cast<int32_t>(random() % kPageSize), static_cast<int32_t>(random() % kPageSize)};
+  });
+  static inline const auto rectangles_ = makeList(kCount, [](auto& random, int i) -> RECT {
+    const auto [x, y] = points_[kCount - i];
+    return {x, y, x + 1 + static_cast<int32_t>(random() % 2000),
+            y + 1 + static_cast<int32_t>(random() % 2000)};
+  });
+  static inline const auto outlinePoints_ = makeList(kRoom, [](auto& random, int i) -> POINT {
+    const double angle = i * 2 * std::numbers::pi / 17, radius = 300 + random() % 200;
+    return {static_cast<int32_t>(500 + radius * std::cos(angle)),
+            static_cast<int32_t>(500 + radius * std::sin(angle))};
+  });
+  static inline const auto letters_ = makeList(kRoom, [](auto& random, int) {
+    return u"etaoin shrdlu cmfwyp vbgkqjxz ETAOIN 0123"[random() % 41];
+  });
+  static inline const auto advances_ =
+      makeList(kRoom, [](auto& random, int) { return static_cast<int32_t>(40 + random() % 60); });
+  static inline const auto bytes_ =
+      makeList(20000 * 268, [](auto& random, int) { return static_cast<uint8_t>(random() >> 24); });
+
+  size_t offset_;
+  size_t step_;
 };
 
 }  // namespace bench
