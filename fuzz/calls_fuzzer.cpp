@@ -87,7 +87,7 @@ class Writer {
       case 'u':
         return std::to_string(static_cast<uint32_t>(coordinate()));
       case 'k':
-        return std::to_string(below(4));
+        return std::to_string(input_.PickValueInArray({0, 1, 2, 3, 257, 258}));
       case 'K':  // field types, and one on each side
         return std::to_string(13 + below(6));
       case 'P':
@@ -137,9 +137,9 @@ class Writer {
 
   // What XML allows once it is escaped, at times very much of it.
   Units wellFormedPiece() {
-    constexpr char16_t kUnits[] = u"\0\tab \"&'<]>\u00e9\u00ff\u4e2d";
-    const size_t choice = below(16);
-    if (choice == 15) return u"\U0001f3f6";
+    constexpr char16_t kUnits[] = u"\0\tab \"&'<]>#=\u00e9\u00ff\u4e2d\u4f2d";
+    const size_t choice = below(std::size(kUnits));
+    if (choice == std::size(kUnits) - 1) return u"\U0001f3f6";
     return Units(below(20) == 19 ? 1023 : 1, kUnits[choice]);
   }
 

@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const size_t use = once.rfind(u"</defs>") + 7;
   const size_t useLength = once.size() - 1 - use - 6;  // less the zero and "</svg>"
   require(thrice.size() == once.size() + 2 * useLength, "a picture is stored once");
-  for (int i = 0; i < 3; ++i)
+  for (size_t i = 0; i < 3; ++i)
     require(thrice.compare(use + i * useLength, useLength, once, use, useLength) == 0,
             "each placement refers to the same symbol");
 
