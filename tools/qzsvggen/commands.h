@@ -22,6 +22,11 @@ struct Program {
 };
 
 void addEmit(Program& program);
+void addLint(Program& program);
+void addList(Program& program);
+void addReduce(Program& program);
 void addReplay(Program& program);
+
+void addTrace(Program& program);
 
 }  // namespace qz::tools

@@ -14,8 +14,12 @@ int main(int count, char** arguments) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "qzsvggen " QZSVGGEN_PROGRAM_VERSION);
   Program program{app, {}};
+  addLint(program);
+  addList(program);
+  addReduce(program);
   addReplay(program);
   addEmit(program);
+  addTrace(program);
   const std::string first = count > 1 ? arguments[1] : "-";
   const auto commands = app.get_subcommands({});
   if (!first.starts_with('-') &&
