@@ -44,6 +44,7 @@ class RecordingLint {
 
   template <auto function, class... P>
   void operator()(Function<function> which, P... parameters) {
+    wrapped_ = false;
     if (state_.isClosed())
       report(rule("after-close"), std::string(functionName<function>) + " behind SVG_Close");
     else
@@ -128,6 +129,7 @@ class RecordingLint {
   PageState state_;
   Links* links_ = nullptr;
   std::size_t pageNumber_ = 0;
+  bool wrapped_ = false;  // whether a step of this call does
   std::set<std::string> told_;
   std::set<std::string> targets_;
 

@@ -40,15 +40,14 @@ bool RecordingLint::checkOutline(bool readersMoveIt) {
     report(rule("block-no-character"));
   } else if (!readersMoveIt) {
     const POINT& position = block->characters.back().position;
-    if (position.x != 0 || position.y != 0)
-      report(rule("block-outline"),
-             "a line, polyline or polygon as an outline, written relative to its character");
+    if (position.x != 0 || position.y != 0) report(rule("block-outline"));
   }
   return true;
 }
 
 void RecordingLint::checkPlace(const Box& box) {
-  if (std::max({-box.left, -box.top, box.right, box.bottom}) > kFar) report(rule("far"));
+  if (!wrapped_ && std::max({-box.left, -box.top, box.right, box.bottom}) > kFar)
+    report(rule("far"));
   const RECT& page = state_.page();
   const int64_t width = int64_t{page.right} - page.left, height = int64_t{page.bottom} - page.top;
   if (box.right < 0 || box.bottom < 0 || box.left > width || box.top > height)
@@ -106,7 +105,8 @@ void RecordingLint::check(Function<SVG_DrawLine>, const POINT* from, const POINT
 void RecordingLint::check(Function<SVG_DrawRectangle>, const RECT* value) {
   const bool isReversed = value->right < value->left;
   if (isReversed) report(rule("reversed-rectangle"));
-  if (wraps(int64_t{value->bottom} - value->top)) report(rule("wrap"));
+  wrapped_ = wraps(int64_t{value->bottom} - value->top);
+  if (wrapped_) report(rule("wrap"));
   if (checkOutline(true)) return;
   const bool isFlat = value->right == value->left || value->bottom == value->top;
   if (isFlat && !state_.paint().strokes() && state_.paint().fills())
@@ -143,7 +143,7 @@ void RecordingLint::check(Function<SVG_DrawPolygon>, const POINT* points, uint32
 void RecordingLint::checkPathData(const POINT* points, const uint8_t* types, uint32_t count) {
   if (std::all_of(types, types + count, isMove)) return report(rule("path-empty"));
   if (!isMove(types[0])) report(rule("path-start"));
-  bool hasOtherType = false, wrapped = false, goesOn = false, curvesAreWhole = true;
+  bool hasOtherType = false, goesOn = false, curvesAreWhole = true;
   uint32_t curve = 0;
   POINT start = points[0];
   for (uint32_t i = 0; i < count; ++i) {
@@ -151,8 +151,8 @@ void RecordingLint::checkPathData(const POINT* points, const uint8_t* types, uin
     hasOtherType = hasOtherType || type < PT_LINETO || type > PT_MOVETO;
     if (i > 0) {
       const POINT& from = isMove(type) ? start : points[i - 1];
-      wrapped =
-          wrapped || wraps(int64_t{points[i].x} - from.x) || wraps(int64_t{points[i].y} - from.y);
+      wrapped_ =
+          wrapped_ || wraps(int64_t{points[i].x} - from.x) || wraps(int64_t{points[i].y} - from.y);
       goesOn = goesOn || (closes(types[i - 1]) && !isMove(type) && !areEqual(points[i - 1], start));
     }
     if (isMove(type)) start = points[i];
@@ -162,7 +162,7 @@ void RecordingLint::checkPathData(const POINT* points, const uint8_t* types, uin
   }
   if (!curvesAreWhole) report(rule("path-curves"));
   if (hasOtherType) report(rule("path-type"));
-  if (wrapped) report(rule("wrap"));
+  if (wrapped_) report(rule("wrap"));
   if (goesOn) report(rule("path-after-close"));
 }
 
