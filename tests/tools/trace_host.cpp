@@ -1,6 +1,6 @@
 // A host for the tests of the tracing library: draws as it is told, and misbehaves.
 //
-//     trace_host page|abort|count|fork|threads|misuse|many|speed
+//     trace_host page|abort|count|fork|threads|race|misuse|many|speed
 #include <qzsvggen/qzsvggen.h>
 
 #include <algorithm>
@@ -79,6 +79,19 @@ void drawOnThreads() {
   for (std::thread& thread : threads) thread.join();
 }
 
+// Against the contract; a trace makes the calls one after another.
+void drawOnOnePage() {
+  SvgGenerator* page = SVG_Create(&kPage);
+  const auto draw = [page] {
+    for (int i = 0; i < 100000; ++i) SVG_DrawRectangle(page, &kBox);
+  };
+  std::thread other(draw);
+  draw();
+  other.join();
+  close(page);
+  SVG_Delete(page);
+}
+
 // What goes beyond the contract and brings nothing down.
 void misuse() {
   SvgGenerator* page = SVG_Create(&kPage);
@@ -135,6 +148,7 @@ int main(int count, char** arguments) {
   if (what == "count") drawWithBadCount();
   if (what == "fork") drawInChild();
   if (what == "threads") drawOnThreads();
+  if (what == "race") drawOnOnePage();
   if (what == "misuse") misuse();
   if (what == "speed") tellSpeed();
   std::puts("the host has come to its end");

@@ -11,6 +11,8 @@ import sequences
 import tool
 
 HOST, LIBRARY, TRACER = map(pathlib.Path, tool.MORE[:3])
+# A sanitizer wants to be loaded before the tracing library.
+os.environ['ASAN_OPTIONS'] = 'verify_asan_link_order=0'
 CLEAN = {name: value for name, value in os.environ.items() if not name.startswith('QZSVGGEN_')}
 
 
@@ -144,6 +146,13 @@ class Trace(tool.InFolder):
             self.assertEqual((len(lines), note['problems']), (21, []))
 
     def test_misuse(self):
+        self.trace(HOST, 'race')
+        [path] = self.traces()
+        lines, note = self.calls_and_note(path)
+        self.assertEqual(len(lines), 200001)
+        self.assertIn('two threads at once', note['problems'][0])
+        self.assertEqual(self.run_tool('replay', '--verify', path).returncode, 0)
+        path.unlink()
         self.trace(HOST, 'misuse')
         first, second = [self.calls_and_note(path) for path in self.traces()]
         self.assertIn('nothing was copied', first[1]['problems'][0])

@@ -141,7 +141,7 @@ class RecordingLint {
   } run_;  // of one-character runs
 
   struct Outlines {
-    int near = 0, away = 0, firstNear = 0;
+    int relative = 0, inPlace = 0, firstRelative = 0;
   } outlines_;  // of the open block: paths that lie near (0, 0) though their characters do not
   std::unordered_map<std::string, std::set<std::string>> shapes_;  // by form, the places
   int repeatedOutlines_ = 0, firstRepeatedOutline_ = 0;

@@ -182,9 +182,9 @@ void RecordingLint::check(Function<SVG_DrawPath>, const POINT* points, const uin
            y >= box.top - kNear * size && y <= box.bottom + kNear * size;
   };
   if (isNear(0, 0) && !isNear(position.x, position.y)) {
-    if (outlines_.near++ == 0) outlines_.firstNear = state_.line();
+    if (outlines_.relative++ == 0) outlines_.firstRelative = state_.line();
   } else {
-    ++outlines_.away;
+    ++outlines_.inPlace;
   }
 
   std::string form(types, types + count), place;

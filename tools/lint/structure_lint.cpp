@@ -176,7 +176,8 @@ void RecordingLint::checkBlockState() {
 
 // Most outlines of the block lie near (0, 0), and their characters do not.
 void RecordingLint::leaveBlock() {
-  if (outlines_.near > outlines_.away) reportAt(outlines_.firstNear, rule("block-relative"));
+  if (outlines_.relative > outlines_.inPlace)
+    reportAt(outlines_.firstRelative, rule("block-relative"));
   outlines_ = {};
 }
 

@@ -1,5 +1,6 @@
 // qzsvggen list: one call a line with the state in force and the element that it made; of a
 // document one element a line. Two listings and any diff tell two pages apart.
+#include <algorithm>
 #include <iostream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -15,7 +16,10 @@ namespace {
 
 constexpr std::size_t kLongest = 160;  // characters of a call or text that are shown
 
+// On one line, and not too long.
 std::string shortened(std::string text) {
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
   if (text.size() <= kLongest) return text;
   std::size_t end = kLongest;
   while ((text[end] & 0xC0) == 0x80) --end;

@@ -154,6 +154,8 @@ void TracedPage::end(const char* problem) {
 }
 
 void TracedPage::appendProblem(const std::string& problem) {
+  if (++problems_[problem] > 1) return;
+  sayOfTrace(problem);
   if (std::FILE* file = std::fopen(path_.c_str(), "ab")) {
     std::fprintf(file, "{\"problems\":[\"%s\"]}\n", problem.c_str());
     std::fclose(file);
@@ -164,15 +166,15 @@ HeldPage::HeldPage(SvgGenerator* generator, std::string_view function) {
   if (generator == nullptr || !registry().isRecording.load(std::memory_order_relaxed)) return;
   TracedPage* page = find(generator);
   if (page == nullptr) {
-    sayOfTrace(std::string(function) + " got a handle that no SVG_Create has returned");
+    static std::atomic<bool> said = false;
+    if (!said.exchange(true))
+      sayOfTrace(std::string(function) + " got a handle that no SVG_Create has returned");
     return;
   }
   const bool isAlone = page->mutex.try_lock();
   if (!isAlone) page->mutex.lock();
   if (!page->isLive()) {
-    const std::string problem = std::string(function) + " got a deleted handle";
-    sayOfTrace(problem);
-    page->appendProblem(problem);
+    page->appendProblem(std::string(function) + " got a deleted handle");
     page->mutex.unlock();
     return;
   }

@@ -29,7 +29,7 @@ class TracedPage {
   void noteClose(int32_t promised);
   void noteHandOver(const SVG_Char* buffer, int32_t size);
   void noteProblem(const std::string& problem) { ++problems_[problem]; }
-  // Of a deleted generator: adds a note to the file that is closed already.
+  // Of a deleted generator: adds a note to the file that is closed already, and says so, once.
   void appendProblem(const std::string& problem);
 
   std::mutex mutex;

@@ -29,7 +29,7 @@ class TraceFile : public JsonWriter {
  private:
   void grow() override;
   std::size_t position() const override { return static_cast<std::size_t>(next_ - begin_); }
-  void goBack(std::size_t position) override { next_ = begin_ + position; }
+  void goBack(std::size_t position) override { next_ = begin_ + (isOpen_ ? position : 0); }
   std::string keepPicture(const uint8_t* data, std::size_t size) override;
 
   bool open();
