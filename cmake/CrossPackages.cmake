@@ -1,7 +1,7 @@
 # What tools and tests use, when they are built for another system: this machine's packages that
 # are headers alone, and GoogleTest from its sources.
 set(packages ${PROJECT_BINARY_DIR}/packages)
-foreach(path include/nlohmann include/utf8cpp share/cmake/nlohmann_json)
+foreach(path include/nlohmann include/utf8cpp include/CLI share/cmake/nlohmann_json)
   get_filename_component(directory ${packages}/${path} DIRECTORY)
   file(MAKE_DIRECTORY ${directory})
   file(CREATE_LINK /usr/${path} ${packages}/${path} SYMBOLIC)

@@ -1,7 +1,8 @@
 // Sequences of calls within the contract, on two generators in turn.
 //
 // Bytes become recordings, so that the arguments live on the heap in their exact size, and that a
-// sequence that fails can be printed for qzsvggen-replay: run the fuzzer with --print and the file.
+// sequence that fails can be printed for `qzsvggen replay`: run the fuzzer with --print and the
+// file.
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <cstdio>
@@ -223,7 +224,7 @@ class Sequence {
     return buffer != Document(buffer.size(), u'~');
   }
 
-  qz::Recording recording_{"no directory"};
+  qz::tools::Recording recording_{"no directory"};
   bool isClosed_ = false;
 };
 

@@ -6,16 +6,16 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::istringstream file(std::string(reinterpret_cast<const char*>(data), size));
-  qz::Recording recording("no directory");
+  qz::tools::Recording recording("no directory");
   std::string line;
   while (std::getline(file, line)) {
     try {
       recording.append(line);
-    } catch (const qz::RecordingError&) {
+    } catch (const qz::tools::RecordingError&) {
     }
   }
   if (recording.page() == nullptr) return 0;
-  qz::Replay replay(recording);
+  qz::tools::Replay replay(recording);
   replay.draw();
   replay.close();
   return 0;

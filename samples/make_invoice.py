@@ -153,7 +153,9 @@ def letter_head():
 def tide(left, top, right, bottom):
     stroke((222, 214, 196), 14)
     fill((252, 249, 241))
-    call('DrawRoundedRectangle', [left, top, right, bottom], 60, 60, 15)
+    # Its edge lies within its sides, that of DrawRectangle half outside. Corners of a size would
+    # bulge outward, as the format prescribes.
+    call('DrawRoundedRectangle', [left, top, right, bottom], 0, 0, 15)
     call('ClearStroke')
     text(left + 220, top + 340, 'Tide in your harbour, Thursday', 170, TEAL, bold=1)
     text(right - 240, top + 340, 'metres', 140, GREY, right=True)

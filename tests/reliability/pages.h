@@ -14,7 +14,7 @@ namespace qz::test {
 
 struct RecordedPage {
   std::string name;
-  Recording recording;
+  tools::Recording recording;
   std::vector<std::string> functions;  // the name of each of the recording's calls
 };
 
@@ -26,7 +26,8 @@ inline std::vector<RecordedPage> readPages(char** directories) {
     const size_t before = pages.size();
     for (const auto& file : std::filesystem::directory_iterator(*directories)) {
       if (file.path().extension() != ".jsonl") continue;
-      RecordedPage& page = pages.emplace_back(file.path().stem().string(), Recording(*directories));
+      RecordedPage& page =
+          pages.emplace_back(file.path().stem().string(), tools::Recording(*directories));
       std::ifstream lines(file.path());
       for (std::string line; std::getline(lines, line); page.recording.append(line))
         if (page.recording.page() != nullptr)

@@ -11,7 +11,7 @@ namespace {
 using namespace qz::test;
 
 Document draw(const RecordedPage& page) {
-  qz::Replay replay(page.recording);
+  qz::tools::Replay replay(page.recording);
   replay.draw();
   return replay.close();
 }

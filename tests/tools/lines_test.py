@@ -1,19 +1,22 @@
-"""What qzsvggen-replay refuses, with which message, and what it accepts."""
-import pathlib
-import subprocess
-import sys
-import tempfile
+"""What `qzsvggen replay` refuses, with which message, and what it accepts."""
 import unittest
 
-TOOL = sys.argv.pop(1)
+import tool
+
 CREATE = '["SVG_Create",[0,0,10,20]]'
 
 # A second line, and what stands behind "page.jsonl:2: ".
 BAD = [
-    ('', 'not JSON'),
+    ('', 'is blank'),
+    (' \t', 'is blank'),
+    ('\ufeff' + CREATE, 'begins with a byte-order mark'),
     ('["SVG_DrawText",', 'not JSON'),
     ('["SVG_DrawText","\\ud800",[0,0],null,100]', 'not JSON'),
-    ('{}', 'a line is a list'),
+    ('3', 'a line is a list'),
+    ('{"a":1,"a":2}', 'not JSON: the key "a" is there twice'),
+    ('["SVG_SetFill",1e999,2,3,4]', 'a number is far out of range'),
+    ('["SVG_SetFill",1,2,3,99999999999999999999]',
+     'SVG_SetFill: argument 4: 1e+20 is not in 0 to 255'),
     ('["SVG_Fill",1]', 'unknown function "SVG_Fill"'),
     ('["SVG_Delete"]', 'SVG_Delete is implied'),
     (CREATE, 'a recording has one SVG_Create'),
@@ -60,23 +63,29 @@ GOOD = [
 ]
 
 
-class Lines(unittest.TestCase):
+def document_hash(document):
+    result = 0xcbf29ce484222325 ^ len(document)
+    for start in range(0, len(document), 4):
+        step = int.from_bytes(document[start:start + 4].encode('utf-16-le'), 'little')
+        result = (result ^ step) * 0x100000001b3 % 2**64
+        result ^= result >> 32
+    return f'{result:016x}'
+
+
+class Lines(tool.InFolder):
     def setUp(self):
-        directory = tempfile.TemporaryDirectory()
-        self.addCleanup(directory.cleanup)
-        self.directory = pathlib.Path(directory.name)
-        (self.directory / 'dot.png').write_bytes(b'DOT')
+        super().setUp()
+        (self.folder / 'dot.png').write_bytes(b'DOT')
 
     def replay(self, recording, *options):
-        (self.directory / 'page.jsonl').write_text(recording, 'utf-8', newline='')
-        return subprocess.run([TOOL, 'page.jsonl', '-o', 'page.svg', *options], cwd=self.directory,
-                              capture_output=True, text=True, timeout=20)
+        self.write('page.jsonl', recording)
+        return self.run_tool('replay', 'page.jsonl', '-o', 'page.svg', *options)
 
     def refuses(self, recording, message):
         result = self.replay(recording)
         self.assertEqual(result.returncode, 2, result.stderr)
         self.assertEqual(result.stderr[:len(message)], message)
-        self.assertFalse((self.directory / 'page.svg').exists())
+        self.assertFalse((self.folder / 'page.svg').exists())
 
     def test_bad_lines(self):
         for line, message in BAD:
@@ -92,14 +101,59 @@ class Lines(unittest.TestCase):
             with self.subTest(line=line):
                 result = self.replay(f'{CREATE}\n{line}')
                 self.assertEqual(result.returncode, 0, result.stderr)
-                self.assertIn(part, (self.directory / 'page.svg').read_text('utf-8'))
+                self.assertIn(part, (self.folder / 'page.svg').read_text('utf-8'))
                 self.assertEqual('lone surrogates' in result.stderr, '\ufffd' in part)
 
     def test_writes_utf16_with_a_mark(self):
         self.assertEqual(self.replay(CREATE, '--utf16', '--time').returncode, 0)
-        document = (self.directory / 'page.svg').read_bytes()
+        document = (self.folder / 'page.svg').read_bytes()
         self.assertEqual(document[:4], b'\xff\xfe<\0')
         self.assertTrue(document.decode('utf-16').endswith('</svg>'))
+
+    def test_notes_and_what_a_trace_leaves_behind(self):
+        line = '["SVG_DrawText","ab",[0,0],null,100]'
+        for end in ['{"problems":[]}\n', '\0' * 99, line[:20], line[:20] + '\0\0', '["SV']:
+            with self.subTest(end=end):
+                result = self.replay(f'{CREATE}\n{line}\n{end}')
+                self.assertEqual(result.returncode, 0, result.stderr)
+                self.assertIn('>ab</text>', (self.folder / 'page.svg').read_text())
+                cut_off = 'page.jsonl:3: warning: '
+                self.assertEqual(result.stderr.startswith(cut_off), end.startswith('['))
+                self.assertEqual('SVG_DrawText was cut off' in result.stderr, len(end) > 19 and
+                                 end.startswith('['))
+
+    def test_until(self):
+        line = '["SVG_DrawLine",[0,0],[1,1]]\n'
+        self.replay(CREATE + '\n{}\n' + 3 * line, '--until', '4')
+        self.assertEqual((self.folder / 'page.svg').read_text().count('<line'), 2)
+
+    def test_verify(self):
+        note = '{"document":{"size":%d,"hash":"%s"}}'
+        self.replay(CREATE)
+        document = (self.folder / 'page.svg').read_text('utf-8')
+        right = note % (len(document) + 1, document_hash(document))
+        for text, status in [(right, 0), (note % (len(document) + 1, '0'), 1), ('{}', 2)]:
+            result = self.replay(CREATE + '\n' + text, '--verify')
+            self.assertEqual(result.returncode, status, result.stderr)
+
+    def test_keeps_what_is_there(self):
+        self.write('page.svg', 'kept')
+        self.assertEqual(self.replay('bad').returncode, 2)
+        self.assertEqual(self.replay(CREATE, '-o', 'none/page.svg').returncode, 2)
+        result = self.run_tool('replay', 'page.jsonl', '-o', './page.jsonl')
+        self.assertEqual(result.stderr, './page.jsonl: is the input; it is not written over\n')
+        self.assertEqual((self.folder / 'page.jsonl').read_text(), CREATE)
+        self.assertEqual(sorted(p.name for p in self.folder.iterdir()),
+                         ['dot.png', 'page.jsonl', 'page.svg'])
+
+    def test_says_what_is_wrong(self):
+        for arguments, part in [(['replay', 'none'], 'none: cannot be read: No such file'),
+                                (['replay', '.'], '.: cannot be read: Is a directory'),
+                                (['replay', 'a', '--utf8'], '--utf8'), (['paint'], 'paint'), ([], '')]:
+            result = self.run_tool(*arguments)
+            self.assertIn(part, result.stderr)
+            self.assertEqual(result.returncode, 2)
+        self.assertRegex(self.run_tool('--version').stdout, r'^qzsvggen \d+\.\d+\.\d+\n')
 
 
 unittest.main()

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-namespace qz {
+#include "kinds.h"
 
-using Bytes = std::shared_ptr<const std::vector<uint8_t>>;
+namespace qz::tools {
 
 class Files {
  public:
@@ -24,4 +24,4 @@ class Files {
   std::map<std::string, Bytes> known_;
 };
 
-}  // namespace qz
+}  // namespace qz::tools

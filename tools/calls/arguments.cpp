@@ -4,9 +4,8 @@
 
 #include <array>
 #include <fstream>
-#include <iterator>
 
-namespace qz {
+namespace qz::tools {
 namespace {
 
 Bytes shared(std::vector<uint8_t> bytes) {
@@ -82,6 +81,11 @@ void ArgumentReader::fail(const std::string& what) const {
   throw RecordingError("argument " + std::to_string(index_) + ": " + what);
 }
 
+const nlohmann::json& ArgumentReader::next() {
+  static const nlohmann::json nothing;
+  return ++index_ < call_.size() ? call_[index_] : nothing;
+}
+
 void ArgumentReader::expectCount(std::size_t count) const {
   const std::size_t given = call_.size() - 1;
   if (given == count) return;
@@ -128,31 +132,32 @@ Points::Points(ArgumentReader& reader) {
   if (!list.is_array()) reader.fail("must be a list of points [[x, y], ...]");
   values.reserve(list.size());
   for (const auto& item : list) values.push_back(point(reader, item));
-  reader.lengthBefore = values.size();
 }
 
-PointTypes::PointTypes(ArgumentReader& reader)
-    : values(reader.integers<uint8_t>(reader.next(), "a list of point types")) {
-  if (values.size() != reader.lengthBefore)
-    reader.fail(std::to_string(values.size()) + " types for " +
-                std::to_string(reader.lengthBefore) + " points");
+TypedPoints::TypedPoints(ArgumentReader& reader)
+    : points(reader), types(reader.integers<uint8_t>(reader.next(), "a list of point types")) {
+  if (types.size() != points.values.size())
+    reader.fail(std::to_string(types.size()) + " types for " +
+                std::to_string(points.values.size()) + " points");
+}
+
+Units::Units(ArgumentReader& reader) {
+  const ArgumentReader::Data data = reader.data(reader.next());
+  if (data.bytes->size() % 2 != 0) reader.fail("an odd number of bytes is no UTF-16 text");
+  units.resize(data.bytes->size() / 2);
+  for (std::size_t i = 0; i < units.size(); ++i)
+    units[i] = static_cast<SVG_Char>((*data.bytes)[2 * i] | (*data.bytes)[2 * i + 1] << 8);
+  count = data.count;
+  reader.textLength = units.size();
 }
 
 Advances::Advances(ArgumentReader& reader) {
-  const std::size_t textLength = reader.lengthBefore;
   const nlohmann::json& value = reader.next();
   if (value.is_null()) return;
   values = reader.integers<int32_t>(value, "a list of advances or null");
-  if (values->size() != textLength)
-    reader.fail(std::to_string(values->size()) + " advances for " + std::to_string(textLength) +
-                " code units");
-}
-
-std::vector<SVG_Char> codeUnits(const std::vector<uint8_t>& bytes) {
-  std::vector<SVG_Char> units(bytes.size() / 2);
-  for (std::size_t i = 0; i < units.size(); ++i)
-    units[i] = static_cast<SVG_Char>(bytes[2 * i] | bytes[2 * i + 1] << 8);
-  return units;
+  if (values->size() != reader.textLength)
+    reader.fail(std::to_string(values->size()) + " advances for " +
+                std::to_string(reader.textLength) + " code units");
 }
 
 ByteData::ByteData(ArgumentReader& reader) {
@@ -161,4 +166,4 @@ ByteData::ByteData(ArgumentReader& reader) {
   bytes = std::move(data.bytes);
 }
 
-}  // namespace qz
+}  // namespace qz::tools

@@ -1,0 +1,115 @@
+// qzsvggen trace: runs a host with the tracing library before the real one.
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <set>
+
+#include "commands.h"
+#include "files.h"
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
+namespace qz::tools {
+namespace {
+
+constexpr const char* kOtherWays =
+    "  - A host that loads the library by its path is not reached this way: give it the path of\n"
+    "    the tracing library instead, or put that into the place of the file, with the real one\n"
+    "    beside it as libqzsvggen-real.so.1 (on Windows qzsvggen-real.dll).\n"
+    "  - A host that is linked statically, or has more rights than you, is not reached either.\n";
+
+#if !defined(_WIN32)
+
+std::set<fs::path> recordingsIn(const fs::path& folder) {
+  std::set<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder))
+    if (entry.path().extension() == ".jsonl") files.insert(entry.path());
+  return files;
+}
+
+// Beside the program, as packages and the build put it.
+fs::path findTracingLibrary() {
+  const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
+  for (const char* folder :
+       {".", "../lib", "../lib/qzsvggen", "../trace", QZSVGGEN_LIBRARY_FOLDER}) {
+    const fs::path candidate = program / folder / "libqzsvggen-trace.so";
+    if (fs::exists(candidate)) return fs::canonical(candidate);
+  }
+  throw Failure("libqzsvggen-trace.so is not found beside the program; give it with --tracer");
+}
+
+// Returns the exit status, as a shell tells it.
+int runHost(std::vector<std::string>& command) {
+  std::vector<char*> arguments;
+  for (std::string& each : command) arguments.push_back(each.data());
+  arguments.push_back(nullptr);
+  const pid_t child = fork();
+  if (child == 0) {
+    execvp(arguments[0], arguments.data());
+    std::cerr << command[0] << ": cannot be run: " << std::strerror(errno) << '\n';
+    _exit(127);
+  }
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+#endif
+
+class TraceCommand {
+ public:
+  void declare(CLI::App& app) {
+    app.add_option("-o,--output", folder_, "Where the recordings go; here, unless given")
+        ->type_name("FOLDER");
+    app.add_option("--library", library_, "The real library, where the host does not find it")
+        ->type_name("FILE");
+    app.add_option("--tracer", tracer_, "The tracing library")->type_name("FILE");
+    app.add_option("HOST", command_, "After --: the program and its arguments")->required();
+    app.footer(
+        "Each page becomes PROGRAM-PID-NNNN.jsonl, its larger pictures files beside it. The "
+        "exit status is the host's, or 1 when nothing was recorded.");
+  }
+
+  int run() {
+#if defined(_WIN32)
+    throw Failure(
+        std::string("On Windows put the tracing qzsvggen.dll in place of the real one:\n") +
+        kOtherWays);
+#else
+    fs::create_directories(folder_);
+    const std::set<fs::path> before = recordingsIn(folder_);
+    const std::string tracer =
+        (tracer_.empty() ? findTracingLibrary() : fs::absolute(tracer_)).string();
+    const char* preloaded = std::getenv("LD_PRELOAD");
+    setenv("LD_PRELOAD", (preloaded ? tracer + ":" + preloaded : tracer).c_str(), 1);
+    setenv("QZSVGGEN_TRACE_FOLDER", fs::absolute(folder_).c_str(), 1);
+    if (!library_.empty()) setenv("QZSVGGEN_TRACE_LIBRARY", fs::absolute(library_).c_str(), 1);
+    const int status = runHost(command_);
+    const std::size_t count = recordingsIn(folder_).size() - before.size();
+    if (count > 0) {
+      std::cerr << count << (count == 1 ? " page" : " pages") << " recorded in " << folder_.string()
+                << '\n';
+      return status;
+    }
+    std::cerr << "Nothing was recorded: " << command_[0] << " called no SVG_Create that was seen.\n"
+              << kOtherWays;
+    return status != 0 ? status : 1;
+#endif
+  }
+
+ private:
+  fs::path folder_ = ".", library_, tracer_;
+  std::vector<std::string> command_;
+};
+
+}  // namespace
+
+void addTrace(Program& program) {
+  program.add<TraceCommand>("trace", "Run a program and record the pages that it draws");
+}
+
+}  // namespace qz::tools
