@@ -7,18 +7,16 @@ namespace {
 
 constexpr size_t maxPairwise = 40;  // so many children are compared with each other
 
-// Whether painting the children one by one gives the same as painting them as one.
-bool overlap(const std::vector<Node>& children) {
+// Whether painting what a node holds one by one may differ from painting it as one.
+bool overlap(const Node& node) {
+  const std::vector<Node>& children = node.children;
   if (children.size() > maxPairwise) return true;
-  for (size_t i = 0; i < children.size(); ++i)
+  for (size_t i = 0; i < children.size(); ++i) {
+    if (overlap(children[i])) return true;
     for (size_t j = 0; j < i; ++j)
       if (children[i].bounds.meets(children[j].bounds)) return true;
+  }
   return false;
-}
-
-bool isOneLeaf(const Node& node) {
-  return node.children.empty() ? node.kind != Kind::kEngine && node.kind != Kind::kPicture
-                               : node.children.size() == 1 && isOneLeaf(node.children[0]);
 }
 
 bool isSayable(const Node& leaf) {
@@ -73,9 +71,8 @@ class Planner {
   }
 
   void visitGroup(const Node& node, const Box& clip, float alpha) {
-    const bool asOne =
-        node.blends || (node.alpha < 1 && !isOneLeaf(node) && overlap(node.children));
-    if (asOne || (node.alpha < 1 && !saysAlpha(node))) return addBitmap(node, clip);
+    if (node.blends || (node.alpha < 1 && (overlap(node) || !saysAlpha(node))))
+      return addBitmap(node, clip);
     for (const Node& child : node.children) visit(child, clip, alpha * node.alpha);
   }
 

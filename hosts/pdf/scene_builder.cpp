@@ -129,8 +129,12 @@ void SceneBuilder::openGroup(bool blends, float alpha) noexcept {
   });
 }
 
-void SceneBuilder::openForeign() noexcept {
-  keep([&] { open(Kind::kEngine, leaf(Kind::kEngine)); });
+void SceneBuilder::openForeign(Box bounds) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kEngine);
+    node.bounds = bounds;
+    open(Kind::kEngine, std::move(node));
+  });
 }
 
 void SceneBuilder::openMask(fz_image* image, fz_matrix matrix) noexcept {

@@ -115,7 +115,8 @@ class SceneBuilder {
 
   void openClip(bool evenOdd) noexcept;
   void openGroup(bool blends, float alpha) noexcept;
-  void openForeign() noexcept;
+  // `bounds` hold what is drawn there beside the children.
+  void openForeign(Box bounds = {}) noexcept;
   // What it encloses shows where the image lets it.
   void openMask(fz_image* image, fz_matrix matrix) noexcept;
   // The image that masks what is drawn now and has masked nothing yet, or null.

@@ -226,8 +226,9 @@ void beginGroup(fz_context*, fz_device* device, fz_rect, fz_colorspace*, int, in
   called(device).openGroup((blendMode & FZ_BLEND_MODEMASK) != FZ_BLEND_NORMAL, alpha);
 }
 
-int beginTile(fz_context*, fz_device* device, fz_rect, fz_rect, float, float, fz_matrix, int) {
-  called(device).openForeign();
+int beginTile(fz_context*, fz_device* device, fz_rect area, fz_rect, float, float, fz_matrix m,
+              int) {
+  called(device).openForeign(toBox(fz_transform_rect(area, m)));
   return 0;  // the content is not known from an earlier call
 }
 

@@ -107,29 +107,56 @@ Canvas canvasFor(fz_context* context, const Shown& shown) {
                         static_cast<float>(size.height) / shown.bounds.height())};
 }
 
-// A PNG, to be dropped by the caller.
-fz_buffer* redraw(fz_context* context, const Shown& shown, const Canvas& canvas) {
+// The pixels as they are shown, to be dropped by the caller.
+fz_pixmap* drawPixels(fz_context* context, const Shown& shown, const Canvas& canvas,
+                      fz_colorspace* space) {
   fz_pixmap* pixels = nullptr;
   fz_device* device = nullptr;
-  fz_buffer* file = nullptr;
   fz_var(pixels);
   fz_var(device);
-  fz_var(file);
   fz_try(context) {
-    pixels = fz_new_pixmap(context, canvas.gray ? fz_device_gray(context) : fz_device_rgb(context),
-                           canvas.size.width, canvas.size.height, nullptr, canvas.opaque ? 0 : 1);
+    pixels = fz_new_pixmap(context, space, canvas.size.width, canvas.size.height, nullptr,
+                           canvas.opaque ? 0 : 1);
     if (canvas.opaque)
       fz_clear_pixmap_with_value(context, pixels, 255);
     else
       fz_clear_pixmap(context, pixels);
     device = fz_new_draw_device(context, fz_identity, pixels);
     drawOn(context, device, shown, canvas.toPixels);
-    file = fz_new_buffer_from_pixmap_as_png(context, pixels, fz_default_color_params);
   }
-  fz_always(context) {
-    fz_drop_device(context, device);
+  fz_always(context) fz_drop_device(context, device);
+  fz_catch(context) {
     fz_drop_pixmap(context, pixels);
+    fz_rethrow(context);
   }
+  return pixels;
+}
+
+// The image's own pixels, to be dropped by the caller.
+fz_pixmap* ownPixels(fz_context* context, fz_image* image, fz_colorspace* space) {
+  fz_pixmap* const own =
+      fz_get_pixmap_from_image(context, image, nullptr, nullptr, nullptr, nullptr);
+  if (fz_pixmap_colorspace(context, own) == space) return own;
+  fz_pixmap* pixels = nullptr;
+  fz_var(pixels);
+  fz_try(context) pixels =
+      fz_convert_pixmap(context, own, space, nullptr, nullptr, fz_default_color_params, 0);
+  fz_always(context) fz_drop_pixmap(context, own);
+  fz_catch(context) fz_rethrow(context);
+  return pixels;
+}
+
+// A PNG, to be dropped by the caller.
+fz_buffer* redraw(fz_context* context, const Shown& shown, const Canvas& canvas) {
+  fz_colorspace* const space = canvas.gray ? fz_device_gray(context) : fz_device_rgb(context);
+  const bool asIs = canvas.opaque && shown.image->colorspace != nullptr &&
+                    canvas.size.width == shown.image->w && canvas.size.height == shown.image->h;
+  fz_pixmap* const pixels =
+      asIs ? ownPixels(context, shown.image, space) : drawPixels(context, shown, canvas, space);
+  fz_buffer* file = nullptr;
+  fz_var(file);
+  fz_try(context) file = fz_new_buffer_from_pixmap_as_png(context, pixels, fz_default_color_params);
+  fz_always(context) fz_drop_pixmap(context, pixels);
   fz_catch(context) fz_rethrow(context);
   return file;
 }
