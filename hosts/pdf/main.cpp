@@ -38,7 +38,8 @@ struct Failure : std::runtime_error {
 
 // What became of the pages.
 struct Totals {
-  int pages = 0, failed = 0, damaged = 0, bitmaps = 0, droppedLinks = 0, untypedFields = 0;
+  int pages = 0, failed = 0, damaged = 0, bitmaps = 0, pictures = 0, droppedLinks = 0,
+      untypedFields = 0;
   size_t bytes = 0;
 };
 
@@ -120,6 +121,7 @@ void drawPage(Engine& engine, int number, const Options& options, OutputFolder& 
       number, options.exact ? qzsvggen::toUtf8(document) : inPoints(document, scene.page));
   ++totals.pages;
   totals.bitmaps += static_cast<int>(bitmaps.size());
+  totals.pictures += static_cast<int>(plan.pictures.size());
   totals.droppedLinks += scene.droppedLinks;
   totals.untypedFields += scene.untypedFields;
   if (scene.damages == 0) return;
@@ -138,6 +140,7 @@ void tell(const Totals& totals, double seconds) {
   const auto note = [](int count, const char* one, const char* many) {
     if (count > 0) std::printf(", %s", counted(count, one, many).c_str());
   };
+  note(totals.pictures, "part as an SVG picture", "parts as SVG pictures");
   note(totals.bitmaps, "part as a bitmap", "parts as bitmaps");
   note(totals.droppedLinks, "link with another scheme left out",
        "links with other schemes left out");

@@ -1,5 +1,7 @@
 #include "page_writer.h"
 
+#include "svg_picture.h"
+
 namespace qz::pdf {
 namespace {
 
@@ -35,10 +37,12 @@ class Writer {
         finishField(field, lines);
         field = item.field;
       }
-      if (item.node == nullptr)
-        drawBitmap(item, plan.bitmaps[item.bitmap], *bitmaps[item.bitmap]);
-      else
+      if (item.kind == Item::Kind::kLeaf)
         drawLeaf(item);
+      else if (item.kind == Item::Kind::kBitmap)
+        drawBitmap(item, plan.bitmaps[item.index], *bitmaps[item.index]);
+      else
+        drawSvg(item, plan.pictures[item.index]);
     }
     finishField(field, lines);
     endBlock();
@@ -134,13 +138,7 @@ class Writer {
 
   // ---- Leaves
 
-  Group groupOf(const Item& item) const {
-    if (item.field >= 0) return {item.field, -1};
-    for (size_t i = 0; i < scene_.links.size(); ++i)
-      if (scene_.links[i].bounds.grown(unitsPerPoint).holds(item.bounds))
-        return {-1, static_cast<int32_t>(i)};
-    return {};
-  }
+  static Group groupOf(const Item& item) { return {item.field, item.link}; }
 
   // A field that is cut somewhere is cut as a whole.
   std::optional<RECT> clipOf(const Item& item) const {
@@ -173,6 +171,13 @@ class Writer {
     endBlock();
     enter(clipOf(item), groupOf(item));
     page_.drawImage(picture.format, job.area.rounded(), picture.bytes);
+  }
+
+  void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
+    endBlock();
+    enter({}, groupOf(item));
+    page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
+                    drawSvgPicture(parts, scene_.page, outlines_, item.index));
   }
 
   void paint(const Node& node, Colour c) {

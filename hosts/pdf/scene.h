@@ -27,7 +27,9 @@ struct Pen {
   Cap cap = Cap::kButt;
   Join join = Join::kMitre;
   float mitreLimit = 10;
-  bool dashed = false;
+  std::array<float, 8> dashes = {};  // on, off, on ...
+  int dashCount = 0;                 // 0 for a solid line; more than there are places: not known
+  float dashPhase = 0;
 };
 
 // The shape of a glyph at the origin, rounded to units.
@@ -80,7 +82,8 @@ struct Node {
   bool blends = false;   // groups and what the engine draws: with what lies below
   bool ownMask = false;  // a picture that has been masked by what encloses it
   int32_t field = -1;    // index of the form field that it belongs to
-  float alpha = 1;       // groups
+  float alpha = 1;                  // groups
+  const char* blendMode = nullptr;  // of a group, as CSS names it; null for the normal one
   Colour colour;
   Calls calls;
   Box bounds;  // of what is drawn, clips that enclose it left aside

@@ -120,10 +120,10 @@ void SceneBuilder::openClip(bool evenOdd) noexcept {
   });
 }
 
-void SceneBuilder::openGroup(bool blends, float alpha) noexcept {
+void SceneBuilder::openGroup(const char* blendMode, float alpha) noexcept {
   keep([&] {
     Node node = leaf(Kind::kGroup);
-    node.blends = blends;
+    node.blendMode = blendMode;
     node.alpha = alpha;
     open(Kind::kGroup, std::move(node));
   });

@@ -114,7 +114,7 @@ class SceneBuilder {
   void addPicture(const PictureKey& key, Box bounds) noexcept;
 
   void openClip(bool evenOdd) noexcept;
-  void openGroup(bool blends, float alpha) noexcept;
+  void openGroup(const char* blendMode, float alpha) noexcept;
   // `bounds` hold what is drawn there beside the children.
   void openForeign(Box bounds = {}) noexcept;
   // What it encloses shows where the image lets it.

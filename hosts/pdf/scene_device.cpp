@@ -62,9 +62,15 @@ Pen toPen(const fz_stroke_state* stroke, fz_matrix m) {
              : stroke->linejoin == FZ_LINEJOIN_BEVEL ? Join::kBevel
                                                      : Join::kMitre;
   pen.mitreLimit = stroke->miterlimit;
+  const float scale = std::sqrt(std::abs(m.a * m.d - m.b * m.c));
   float period = 0;
-  for (int i = 0; i < stroke->dash_len; ++i) period += std::abs(stroke->dash_list[i]);
-  pen.dashed = period > 0;
+  for (int i = 0; i < stroke->dash_len; ++i) {
+    period += std::abs(stroke->dash_list[i]);
+    if (i < static_cast<int>(pen.dashes.size()))
+      pen.dashes[static_cast<size_t>(i)] = std::abs(stroke->dash_list[i]) * scale;
+  }
+  pen.dashCount = period > 0 ? stroke->dash_len : 0;
+  pen.dashPhase = stroke->dash_phase * scale;
   return pen;
 }
 
@@ -221,9 +227,15 @@ void beginMask(fz_context*, fz_device* device, fz_rect, int, fz_colorspace*, con
 // What follows is masked, up to a call of pop_clip, which closes what the mask has opened.
 void endMask(fz_context*, fz_device* device) { called(device); }
 
+// As CSS names them, in MuPDF's order.
+constexpr const char* blendModes[FZ_BLEND_MODEMASK + 1] = {
+    nullptr,       "multiply",   "screen",     "overlay",    "darken",     "lighten",
+    "color-dodge", "color-burn", "hard-light", "soft-light", "difference", "exclusion",
+    "hue",         "saturation", "color",      "luminosity"};
+
 void beginGroup(fz_context*, fz_device* device, fz_rect, fz_colorspace*, int, int, int blendMode,
                 float alpha) {
-  called(device).openGroup((blendMode & FZ_BLEND_MODEMASK) != FZ_BLEND_NORMAL, alpha);
+  called(device).openGroup(blendModes[blendMode & FZ_BLEND_MODEMASK], alpha);
 }
 
 int beginTile(fz_context*, fz_device* device, fz_rect area, fz_rect, float, float, fz_matrix m,
