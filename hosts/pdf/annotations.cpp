@@ -47,7 +47,7 @@ template <class Call>
 std::string take(fz_context* context, const Call& call) {
   char* text = nullptr;
   attempt(context, [&] { text = call(); });
-  const std::string result = text != nullptr ? text : "";
+  std::string result = text != nullptr ? text : "";
   fz_free(context, text);
   return result;
 }

@@ -181,9 +181,7 @@ Totals draw(const Options& options) {
   return totals;
 }
 
-}  // namespace
-
-int main(int count, char** arguments) {
+int run(int count, char** arguments) {
   Options options;
   CLI::App app("Draws the pages of a PDF as SVG documents: page-001.svg and so on.",
                "qzsvggen-pdf");
@@ -208,15 +206,21 @@ int main(int count, char** arguments) {
   } catch (const CLI::ParseError& wrong) {
     return app.exit(wrong) == 0 ? 0 : 2;
   }
+  const auto started = Clock::now();
+  const Totals totals = draw(options);
+  tell(totals, std::chrono::duration<double>(Clock::now() - started).count());
+  return totals.failed + totals.damaged > 0 ? 2 : 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
   try {
-    const auto started = Clock::now();
-    const Totals totals = draw(options);
-    tell(totals, std::chrono::duration<double>(Clock::now() - started).count());
-    return totals.failed + totals.damaged > 0 ? 2 : 0;
+    return run(count, arguments);
   } catch (const std::bad_alloc&) {
-    std::cerr << options.input.string() << ": memory is exhausted\n";
+    std::fputs("qzsvggen-pdf: memory is exhausted\n", stderr);
   } catch (const std::exception& failure) {
-    std::cerr << failure.what() << '\n';
+    std::fprintf(stderr, "%s\n", failure.what());
   }
   return 2;
 }

@@ -32,7 +32,7 @@ bool isSayable(const Node& leaf) {
     case Kind::kText:
       return leaf.pen.dashCount == 0;
     case Kind::kPicture:
-      return true;
+      return !leaf.stretched;
     default:
       return false;
   }

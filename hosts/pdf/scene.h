@@ -78,10 +78,11 @@ enum class Kind : uint8_t {
 
 struct Node {
   Kind kind = Kind::kGroup;
-  bool evenOdd = false;  // fills and clips
-  bool blends = false;   // groups and what the engine draws: with what lies below
-  bool ownMask = false;  // a picture that has been masked by what encloses it
-  int32_t field = -1;    // index of the form field that it belongs to
+  bool evenOdd = false;             // fills and clips
+  bool blends = false;              // groups and what the engine draws: with what lies below
+  bool stretched = false;           // a picture that does not keep its proportions
+  bool ownMask = false;             // a picture that has been masked by what encloses it
+  int32_t field = -1;               // index of the form field that it belongs to
   float alpha = 1;                  // groups
   const char* blendMode = nullptr;  // of a group, as CSS names it; null for the normal one
   Colour colour;

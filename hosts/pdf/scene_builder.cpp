@@ -321,10 +321,11 @@ void SceneBuilder::storePicture(const PictureKey& key, qzsvggen::ImageFormat for
   });
 }
 
-void SceneBuilder::addPicture(const PictureKey& key, Box bounds) noexcept {
+void SceneBuilder::addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept {
   keep([&] {
     Node node = leaf(Kind::kPicture);
     node.ownMask = key.mask != nullptr;
+    node.stretched = stretched;
     node.bounds = bounds;
     node.content = pictures_.find(key);
     add(std::move(node));

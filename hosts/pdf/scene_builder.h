@@ -111,7 +111,7 @@ class SceneBuilder {
   bool knowsPicture(const PictureKey& key) const noexcept;
   void storePicture(const PictureKey& key, qzsvggen::ImageFormat format, const uint8_t* data,
                     size_t size) noexcept;
-  void addPicture(const PictureKey& key, Box bounds) noexcept;
+  void addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept;
 
   void openClip(bool evenOdd) noexcept;
   void openGroup(const char* blendMode, float alpha) noexcept;

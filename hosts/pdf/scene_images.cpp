@@ -5,8 +5,8 @@
 namespace qz::pdf {
 namespace {
 
-constexpr float maxSlack = 2;            // units: so much of its bounds a picture may leave empty
-constexpr float maxPixels = 25'000'000;  // of one picture
+constexpr float maxSlack = 2;       // units: so much of its bounds a picture may leave empty
+constexpr float maxPixels = 25e6f;  // of one picture
 
 struct Shown {
   fz_image* image;
@@ -30,32 +30,19 @@ float slack(Size pixels, const Box& bounds) {
                   bounds.height() - scale * static_cast<float>(pixels.height));
 }
 
-// Of a picture that fills its bounds and is no coarser than the image: the image's own if it can
-// be, otherwise the smallest that comes near enough.
+// Upright images keep their pixels, others get bounds that are no coarser.
 Size pixelSize(const Shown& shown) {
   const Box& box = shown.bounds;
   const fz_image& image = *shown.image;
-  const int maskWidth = shown.mask != nullptr ? shown.mask->w : 0;
-  const int maskHeight = shown.mask != nullptr ? shown.mask->h : 0;
-  const Size own = {std::max(image.w, maskWidth), std::max(image.h, maskHeight)};
-  if (shown.upright && slack(own, box) <= maxSlack &&
-      static_cast<float>(own.width) * static_cast<float>(own.height) <= maxPixels)
-    return own;
+  const Size own = {std::max(image.w, shown.mask != nullptr ? shown.mask->w : 0),
+                    std::max(image.h, shown.mask != nullptr ? shown.mask->h : 0)};
   const fz_matrix& m = shown.matrix;
-  float scale = std::max(static_cast<float>(own.width) / std::hypot(m.a, m.b),
-                         static_cast<float>(own.height) / std::hypot(m.c, m.d));
+  const float across = static_cast<float>(own.width), down = static_cast<float>(own.height);
+  if (shown.upright && across * down <= maxPixels) return own;
+  float scale = std::max(across / std::hypot(m.a, m.b), down / std::hypot(m.c, m.d));
   scale = std::min(scale, std::sqrt(maxPixels / (box.width() * box.height())));
-  const float longer = std::max(box.width(), box.height());
-  const int least = std::max(1, static_cast<int>(std::ceil(longer * scale)));
-  Size best = {1, 1};
-  float bestSlack = INFINITY;
-  for (int side = least; side <= 2 * least && bestSlack > maxSlack; ++side) {
-    const float s = static_cast<float>(side) / longer;
-    const Size size = {std::max(1, static_cast<int>(std::lround(box.width() * s))),
-                       std::max(1, static_cast<int>(std::lround(box.height() * s)))};
-    if (slack(size, box) < bestSlack) best = size, bestSlack = slack(size, box);
-  }
-  return best;
+  return {std::max(1, static_cast<int>(std::lround(box.width() * scale))),
+          std::max(1, static_cast<int>(std::lround(box.height() * scale)))};
 }
 
 // A JPEG whose own bytes show what is to be shown, or null.
@@ -66,18 +53,33 @@ fz_buffer* ownBytes(fz_context* context, const Shown& shown) {
                      file->params.u.jpeg.color_transform != 0 && shown.mask == nullptr &&
                      shown.stencil == nullptr && shown.alpha == 1 && image->use_colorkey == 0 &&
                      image->use_decode == 0 && image->imagemask == 0;
-  if (!plain || !shown.upright || slack({image->w, image->h}, shown.bounds) > maxSlack)
-    return nullptr;
+  if (!plain || !shown.upright) return nullptr;
   const bool browsersColours = fz_colorspace_is_gray(context, image->colorspace) != 0 ||
                                fz_colorspace_is_rgb(context, image->colorspace) != 0;
   return browsersColours ? file->buffer : nullptr;
 }
 
-void drawOn(fz_context* context, fz_device* device, const Shown& shown, fz_matrix toPixels) {
-  const fz_matrix m = fz_concat(shown.matrix, toPixels);
+struct Canvas {
+  Size size;
+  bool gray, opaque;
+  fz_matrix toPixels;
+};
+
+bool isSame(fz_matrix a, fz_matrix b) {
+  return std::abs(a.a - b.a) < 0.5f && std::abs(a.b - b.b) < 0.5f && std::abs(a.c - b.c) < 0.5f &&
+         std::abs(a.d - b.d) < 0.5f && std::abs(a.e - b.e) < 0.5f && std::abs(a.f - b.f) < 0.5f;
+}
+
+void drawOn(fz_context* context, fz_device* device, const Shown& shown, const Canvas& canvas) {
+  // Exactly the size of the pixels, where that is meant: otherwise they would be scaled.
+  const fz_matrix m = shown.upright ? fz_scale(static_cast<float>(canvas.size.width),
+                                               static_cast<float>(canvas.size.height))
+                                    : fz_concat(shown.matrix, canvas.toPixels);
   if (shown.mask != nullptr)
-    fz_clip_image_mask(context, device, shown.mask, fz_concat(shown.maskMatrix, toPixels),
-                       fz_infinite_rect);
+    fz_clip_image_mask(
+        context, device, shown.mask,
+        isSame(shown.maskMatrix, shown.matrix) ? m : fz_concat(shown.maskMatrix, canvas.toPixels),
+        fz_infinite_rect);
   if (shown.stencil != nullptr) {
     const float rgb[3] = {static_cast<float>(shown.stencil->red) / 255,
                           static_cast<float>(shown.stencil->green) / 255,
@@ -90,12 +92,6 @@ void drawOn(fz_context* context, fz_device* device, const Shown& shown, fz_matri
   if (shown.mask != nullptr) fz_pop_clip(context, device);
   fz_close_device(context, device);
 }
-
-struct Canvas {
-  Size size;
-  bool gray, opaque;
-  fz_matrix toPixels;
-};
 
 Canvas canvasFor(fz_context* context, const Shown& shown) {
   const Size size = pixelSize(shown);
@@ -122,7 +118,7 @@ fz_pixmap* drawPixels(fz_context* context, const Shown& shown, const Canvas& can
     else
       fz_clear_pixmap(context, pixels);
     device = fz_new_draw_device(context, fz_identity, pixels);
-    drawOn(context, device, shown, canvas.toPixels);
+    drawOn(context, device, shown, canvas);
   }
   fz_always(context) fz_drop_device(context, device);
   fz_catch(context) {
@@ -197,7 +193,7 @@ void addImage(fz_context* context, SceneBuilder& builder, fz_image* image, fz_ma
       fz_drop_buffer(context, file);
     }
   }
-  builder.addPicture(key, shown.bounds);
+  builder.addPicture(key, shown.bounds, slack(pixelSize(shown), shown.bounds) > maxSlack);
 }
 
 }  // namespace qz::pdf

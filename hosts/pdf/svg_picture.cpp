@@ -1,6 +1,7 @@
 #include "svg_picture.h"
 
 #include <cstdio>
+#include <map>
 #include <set>
 
 #include "shapes.h"
@@ -194,19 +195,26 @@ class PictureWriter {
     text_ += "</g>";
   }
 
+  // A picture's bytes are stored once, as a picture of size 1 by 1.
   void addPicture(const Node& node) {
-    const Picture& picture = *std::get<std::shared_ptr<const Picture>>(node.content);
+    const auto& picture = std::get<std::shared_ptr<const Picture>>(node.content);
+    const auto [place, isNew] =
+        pictures_.emplace(picture.get(), prefix_ + 'i' + std::to_string(pictures_.size()));
+    if (isNew)
+      defs_ += "<image id=\"" + place->second +
+               "\" width=\"1\" height=\"1\" preserveAspectRatio=\"none\" href=\"data:image/" +
+               (picture->format == qzsvggen::ImageFormat::kJpeg ? "jpeg" : "png") + ";base64," +
+               base64(picture->bytes) + "\"/>";
     const RECT r = node.bounds.rounded();
-    text_ += "<image x=\"" + number(r.left) + "\" y=\"" + number(r.top) + "\" width=\"" +
-             number(r.right - r.left) + "\" height=\"" + number(r.bottom - r.top) +
-             "\" preserveAspectRatio=\"none\" href=\"data:image/" +
-             (picture.format == qzsvggen::ImageFormat::kJpeg ? "jpeg" : "png") + ";base64," +
-             base64(picture.bytes) + "\"/>";
+    text_ += "<use href=\"#" + place->second + "\" transform=\"translate(" + number(r.left) + ' ' +
+             number(r.top) + ") scale(" + number(r.right - r.left) + ' ' +
+             number(r.bottom - r.top) + ")\"/>";
   }
 
   const std::vector<Outline>& outlines_;
   std::string prefix_, defs_, text_;
   std::set<uint32_t> defined_;
+  std::map<const Picture*, std::string> pictures_;
   int ids_ = 0;
 };
 

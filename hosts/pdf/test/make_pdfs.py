@@ -5,7 +5,7 @@ import io
 import pikepdf
 from PIL import Image, ImageDraw
 from pikepdf import Array, Dictionary, Name, String
-from reportlab.lib.colors import black, blue, green, orange, red
+from reportlab.lib.colors import Color, black, blue, green, orange, red, white
 from reportlab.lib.utils import ImageReader
 from reportlab.pdfgen import canvas
 
@@ -223,6 +223,38 @@ def form():
     return changed(drawn(page), change)
 
 
+def leaflet(c):
+    """A bit of everything, for the documentation's picture."""
+    c.linearGradient(0, 300, 300, 300, (Color(0.05, 0.25, 0.45), Color(0.2, 0.6, 0.7)))
+    c.setFillColor(white)
+    c.rect(0, 0, 300, 236, stroke=0, fill=1)
+    c.setFont("Helvetica-Bold", 26)
+    c.drawString(20, 256, "Harbour Days")
+    c.setFillColor(black)
+    c.setFont("Times-Roman", 11)
+    for i, line in enumerate(["Boats, a market and music on both", "quays, from Friday to Sunday. See",
+                              "the harbour's pages for the hours", "of the ferries."]):
+        c.drawString(20, 210 - 14 * i, line)
+    c.setFillColor(blue)
+    c.drawString(20, 146, "example.org/harbour")
+    c.linkURL("https://example.org/harbour", (20, 142, 120, 158))
+    path = c.beginPath()
+    path.circle(235, 178, 42)
+    c.saveState()
+    c.clipPath(path, stroke=0)
+    c.drawImage(ImageReader(io.BytesIO(jpeg())), 172, 136, 126, 84)
+    c.restoreState()
+    c.setDash(6, 4)
+    c.line(20, 118, 280, 118)
+    c.setFillColor(black)
+    c.setFont("Helvetica", 9)
+    c.drawString(20, 92, "Your name")
+    c.acroForm.textfield(name="name", x=80, y=84, width=200, height=20, value="Edda Quillfeather")
+    c.drawString(20, 62, "I need a berth")
+    c.acroForm.checkbox(name="berth", x=80, y=56, checked=True)
+    c.drawString(20, 24, "Cut off here and hand in at the pier.")
+
+
 def effects():
     """One thing a row that no call of the library says."""
     def resources(pdf):
@@ -273,4 +305,4 @@ def broken_page():
 FEATURES = {
     "shapes": drawn(shapes), "joins": drawn(joins), "clips": drawn(clips), "text": drawn(text),
     "type3": type3(), "pictures": drawn(pictures), "links": links(), "form": form(),
-    "effects": effects()}
+    "effects": effects(), "leaflet": drawn(leaflet)}
