@@ -13,7 +13,7 @@ constexpr float maxSkew = 0.1f * unitsPerPoint;
 
 std::string decimal(float value) {
   char text[32];
-  std::snprintf(text, sizeof text, "%.3g", static_cast<double>(value));
+  std::snprintf(text, sizeof text, "%.5g", static_cast<double>(value));
   return text;
 }
 
