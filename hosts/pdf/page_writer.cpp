@@ -1,0 +1,387 @@
+#include "page_writer.h"
+
+#include "svg_picture.h"
+
+namespace qz::pdf {
+namespace {
+
+constexpr int32_t hairline = 10;  // units: a line of no width is shown so wide
+
+bool same(const std::optional<RECT>& a, const std::optional<RECT>& b) {
+  if (!a || !b) return a.has_value() == b.has_value();
+  return a->left == b->left && a->top == b->top && a->right == b->right && a->bottom == b->bottom;
+}
+
+uint32_t strokeWidth(const Pen& pen) {
+  return static_cast<uint32_t>(pen.width < 0.5f ? hairline : std::max(1, toUnits(pen.width)));
+}
+
+class Writer {
+ public:
+  Writer(const Scene& scene, const std::vector<Outline>& outlines)
+      : scene_(scene), outlines_(outlines), page_(scene.page) {
+    linkUsed_.resize(scene.links.size());
+    fieldCut_.resize(scene.fields.size());
+  }
+
+  void draw(const Plan& plan, const std::vector<std::shared_ptr<const Picture>>& bitmaps,
+            const std::vector<TextLine>& lines) {
+    for (const Item& item : plan.items)
+      if (item.field >= 0 && item.clip) fieldCut_[static_cast<size_t>(item.field)] = true;
+    defineOutlines(plan);
+    for (const Target& target : scene_.targets)
+      page_.setDocumentTarget(toUnits(target.position), target.name);
+    int32_t field = -1;
+    for (const Item& item : plan.items) {
+      if (item.field != field) {
+        finishField(field, lines);
+        field = item.field;
+      }
+      if (item.kind == Item::Kind::kLeaf)
+        drawLeaf(item);
+      else if (item.kind == Item::Kind::kBitmap)
+        drawBitmap(item, plan.bitmaps[item.index], *bitmaps[item.index]);
+      else
+        drawSvg(item, plan.pictures[item.index]);
+    }
+    finishField(field, lines);
+    endBlock();
+    for (int32_t each = 0; each < static_cast<int32_t>(scene_.fields.size()); ++each)
+      if (!fieldDone(each)) enter({}, {each, -1}), finishField(each, lines);
+    for (const TextLine& line : lines)
+      if (line.field < 0) drawLine(line);
+    coverEmptyLinks();
+    enter({}, {});
+  }
+
+  std::u16string close() { return page_.close(); }
+
+ private:
+  // The group that something belongs to: of a form field, of a link, or none.
+  struct Group {
+    int32_t field = -1, link = -1;
+    friend bool operator==(const Group&, const Group&) = default;
+  };
+
+  // ---- Regions and groups
+
+  // A group is clipped by the region that it begins in, so the region is entered before it. The
+  // parts of a field stay together under one region.
+  void enter(const std::optional<RECT>& clip, Group group) {
+    const bool sameField = group.field >= 0 && group == group_;
+    if (group == group_ && (sameField || same(clip, clip_))) return;
+    endBlock();
+    if (group_ != Group{}) page_.endLink();
+    if (!same(clip, clip_)) select(clip);
+    clip_ = clip;
+    group_ = group;
+    if (group.field >= 0) beginField(group.field);
+    if (group.link >= 0) beginLink(static_cast<size_t>(group.link));
+  }
+
+  void select(const std::optional<RECT>& clip) {
+    if (!clip) return page_.endClippingRegion();
+    for (uint32_t i = 0; i < regions_.size(); ++i)
+      if (same(regions_[i], clip)) {
+        page_.setCurrentClippingRegion(i);
+        return;
+      }
+    regions_.push_back(*clip);
+    page_.beginClippingRegion(*clip);
+  }
+
+  void beginLink(size_t index) {
+    const Link& link = scene_.links[index];
+    linkUsed_[index] = true;
+    page_.beginLink(link.internal ? qzsvggen::LinkType::kInternal : qzsvggen::LinkType::kExternal,
+                    link.target);
+  }
+
+  void beginField(int32_t index) {
+    using Type = qzsvggen::FieldType;
+    const Field& field = scene_.fields[static_cast<size_t>(index)];
+    const RECT bounds = field.bounds.rounded();
+    std::string data(reinterpret_cast<const char*>(field.data.data()), 2 * field.data.size());
+    Type type = Type::kText;
+    switch (field.type) {
+      case Field::Type::kSignature:
+        return page_.beginSignatureField(bounds, field.name, field.data);
+      case Field::Type::kDate:
+        type = Type::kDate;
+        for (int byte = 7; byte >= 0; --byte)
+          data.insert(data.begin(), static_cast<char>(field.days >> 8 * byte));
+        break;
+      case Field::Type::kComboBox:
+        type = Type::kComboBox;
+        break;
+      case Field::Type::kCheckBox:
+        type = Type::kCheckBox;
+        break;
+      case Field::Type::kText:
+        break;
+    }
+    page_.beginFormField(type, bounds, field.name, data, field.flags, field.exFlags);
+  }
+
+  bool fieldDone(int32_t field) const {
+    return std::find(fieldsDone_.begin(), fieldsDone_.end(), field) != fieldsDone_.end();
+  }
+
+  // Adds the text of a field behind its drawing.
+  void finishField(int32_t field, const std::vector<TextLine>& lines) {
+    if (field < 0) return;
+    fieldsDone_.push_back(field);
+    for (const TextLine& line : lines)
+      if (line.field == field) drawLine(line);
+    enter({}, {});
+  }
+
+  // ---- Leaves
+
+  static Group groupOf(const Item& item) { return {item.field, item.link}; }
+
+  // A field that is cut somewhere is cut as a whole.
+  std::optional<RECT> clipOf(const Item& item) const {
+    if (item.field < 0) return item.clip;
+    const size_t field = static_cast<size_t>(item.field);
+    return fieldCut_[field] ? std::optional(scene_.fields[field].bounds.rounded()) : std::nullopt;
+  }
+
+  void drawLeaf(const Item& item) {
+    const Node& node = *item.node;
+    Colour colour = node.colour;
+    colour.alpha = static_cast<uint8_t>(std::lround(static_cast<float>(colour.alpha) * item.alpha));
+    if (node.kind == Kind::kText) return drawText(item, colour);
+    endBlock();
+    enter(clipOf(item), groupOf(item));
+    if (node.kind == Kind::kPicture) {
+      const Picture& picture = *std::get<std::shared_ptr<const Picture>>(node.content);
+      page_.drawImage(picture.format, node.bounds.rounded(), picture.bytes);
+      return;
+    }
+    paint(node, colour);
+    const Path& path = std::get<Path>(node.content);
+    if (node.kind == Kind::kFill)
+      drawFill(path);
+    else
+      drawStroke(path);
+  }
+
+  void drawBitmap(const Item& item, const RenderJob& job, const Picture& picture) {
+    endBlock();
+    enter(clipOf(item), groupOf(item));
+    page_.drawImage(picture.format, job.area.rounded(), picture.bytes);
+  }
+
+  void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
+    endBlock();
+    enter({}, groupOf(item));
+    page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
+                    drawSvgPicture(parts, scene_.page, outlines_, item.index));
+  }
+
+  void paint(const Node& node, Colour c) {
+    if (node.pen.width > 0 || node.kind == Kind::kStroke) {
+      page_.setFill(0, 0, 0, 0);
+      page_.setStroke(c.alpha, c.red, c.green, c.blue, strokeWidth(node.pen));
+    } else {
+      page_.clearStroke();
+      page_.setFill(c.alpha, c.red, c.green, c.blue);
+    }
+  }
+
+  void setPath(const Path& path) {
+    points_.clear();
+    for (const Point p : path.points) points_.push_back(toUnits(p));
+    types_ = path.types;
+  }
+
+  void drawFill(const Path& path) {
+    setPath(path);
+    const size_t count = types_.size();
+    for (size_t i = 0; i < count; ++i)  // a filled figure is closed anyway
+      if (i + 1 == count || types_[i + 1] == PT_MOVETO) types_[i] |= PT_CLOSEFIGURE;
+    if (const std::optional<RECT> box = plainRectangle()) return page_.drawRectangle(*box);
+    page_.drawPath(points_, types_);
+  }
+
+  // A rectangle of the page's directions, at least a unit wide and high so that it is seen.
+  std::optional<RECT> plainRectangle() const {
+    const size_t count = points_.size();
+    if (count != 4 && !(count == 5 && points_[4].x == points_[0].x && points_[4].y == points_[0].y))
+      return std::nullopt;
+    for (size_t i = 1; i < count; ++i)
+      if ((types_[i] & ~PT_CLOSEFIGURE) != PT_LINETO) return std::nullopt;
+    const POINT &a = points_[0], &b = points_[1], &c = points_[2], &d = points_[3];
+    const bool levelFirst = a.y == b.y && b.x == c.x && c.y == d.y && d.x == a.x;
+    const bool uprightFirst = a.x == b.x && b.y == c.y && c.x == d.x && d.y == a.y;
+    if (!levelFirst && !uprightFirst) return std::nullopt;
+    RECT box = {std::min(a.x, c.x), std::min(a.y, c.y), std::max(a.x, c.x), std::max(a.y, c.y)};
+    if (box.right == box.left) ++box.right;
+    if (box.bottom == box.top) ++box.bottom;
+    return box;
+  }
+
+  // A move is written relative to the last move, which readers take from where they are: that is
+  // the same only behind a closed figure. So an open one ends the call.
+  void drawStroke(const Path& path) {
+    setPath(path);
+    const size_t count = types_.size();
+    for (size_t first = 0, i = 0; i < count; ++i) {
+      const bool figureEnds = i + 1 == count || types_[i + 1] == PT_MOVETO;
+      const bool open = (types_[i] & PT_CLOSEFIGURE) == 0;
+      if (i + 1 < count && !(figureEnds && open)) continue;
+      const size_t length = i + 1 - first;
+      if (length == 2 && open)
+        page_.drawLine(points_[first], points_[i]);
+      else
+        page_.drawPath({&points_[first], length}, {&types_[first], length});
+      first = i + 1;
+    }
+  }
+
+  // ---- Texts
+
+  // Each outline of the page, unpainted and at the origin, for all blocks to refer to.
+  void defineOutlines(const Plan& plan) {
+    std::vector<bool> known(outlines_.size());
+    page_.setFill(0, 0, 0, 0);
+    page_.clearStroke();
+    bool any = false;
+    for (const Item& item : plan.items) {
+      const Text* text = item.node != nullptr ? std::get_if<Text>(&item.node->content) : nullptr;
+      if (text == nullptr || !text->drawn) continue;
+      for (const Glyph& glyph : text->glyphs) {
+        if (known[glyph.outline] || outlines_[glyph.outline].points.empty()) continue;
+        known[glyph.outline] = true;
+        if (!any) page_.beginCharacterBlock();
+        any = true;
+        drawOutline(glyph.outline, {0, 0});
+      }
+    }
+    page_.endCharacterBlock();
+    first_.assign(outlines_.size(), {});
+  }
+
+  void drawOutline(uint32_t index, POINT at) {
+    page_.beginCharacter(at);
+    page_.drawPath(outlines_[index].points, outlines_[index].types);
+  }
+
+  void drawText(const Item& item, Colour colour) {
+    const Text& text = std::get<Text>(item.node->content);
+    if (!text.drawn) return;
+    const bool onLinks = item.field < 0 && !scene_.links.empty();
+    for (const Glyph& glyph : text.glyphs) {
+      const Outline& outline = outlines_[glyph.outline];
+      if (outline.points.empty()) continue;
+      Group group{item.field, -1};
+      if (onLinks) group.link = linkAt(scene_.links, outline.bounds.moved(glyph.origin).centre());
+      enter(clipOf(item), group);
+      beginBlock(*item.node, colour);
+      putGlyph(glyph.outline, toUnits(glyph.origin));
+    }
+  }
+
+  void beginBlock(const Node& node, Colour colour) {
+    const uint32_t width = node.pen.width > 0 ? strokeWidth(node.pen) : 0;
+    if (blockOpen_ && blockColour_ == colour && blockWidth_ == width) return;
+    endBlock();
+    paint(node, colour);
+    page_.beginCharacterBlock();
+    blockOpen_ = true;
+    blockColour_ = colour;
+    blockWidth_ = width;
+    ++block_;
+    blockLength_ = 0;
+  }
+
+  void endBlock() {
+    if (blockOpen_) page_.endCharacterBlock();
+    blockOpen_ = false;
+  }
+
+  // Within a block a reference is cheaper than the outline, and means the same.
+  void putGlyph(uint32_t outline, POINT at) {
+    FirstUse& first = first_[outline];
+    if (first.block == block_) {
+      page_.setCharacterReference(first.index, at);
+    } else {
+      drawOutline(outline, at);
+      first = {block_, blockLength_};
+    }
+    ++blockLength_;
+  }
+
+  // A line to be found and selected: it is hardly painted.
+  void drawLine(const TextLine& line) {
+    enter({}, {line.field, line.link});
+    page_.clearStroke();
+    page_.setFill(1, 0, 0, 0);
+    page_.setFont(line.monospaced ? u"monospace"
+                  : line.serif    ? u"serif"
+                                  : u"sans-serif",
+                  line.size);
+    if (line.positions.empty()) {
+      page_.drawText(line.text, line.origin);
+      return;
+    }
+    // Browsers take one position for a surrogate pair: there the run ends.
+    POINT origin = line.origin;
+    for (size_t first = 0, i = 0; i < line.text.size(); ++i) {
+      const bool pairEnds = (line.text[i] & 0xFC00) == 0xDC00;
+      if (i + 1 < line.text.size() && !pairEnds) continue;
+      std::vector<int32_t> advances;
+      for (size_t k = first; k <= i; ++k)
+        advances.push_back(k < i ? line.positions[k + 1] - line.positions[k] : 0);
+      origin.x = line.positions[first];
+      page_.drawText(std::u16string_view(line.text).substr(first, i + 1 - first), origin, advances);
+      first = i + 1;
+    }
+  }
+
+  void coverEmptyLinks() {
+    for (size_t i = 0; i < scene_.links.size(); ++i) {
+      if (linkUsed_[i]) continue;
+      enter({}, {-1, static_cast<int32_t>(i)});
+      page_.clearStroke();
+      page_.setFill(1, 255, 255, 255);
+      page_.drawRectangle(scene_.links[i].bounds.rounded());
+    }
+  }
+
+  struct FirstUse {
+    uint32_t block = 0, index = 0;
+  };
+
+  const Scene& scene_;
+  const std::vector<Outline>& outlines_;
+  qzsvggen::Page page_;
+  std::vector<bool> linkUsed_, fieldCut_;
+  std::vector<int32_t> fieldsDone_;
+
+  Group group_;
+  std::optional<RECT> clip_;
+  std::vector<RECT> regions_;
+
+  bool blockOpen_ = false;
+  Colour blockColour_;
+  uint32_t blockWidth_ = 0, block_ = 0, blockLength_ = 0;
+  std::vector<FirstUse> first_;  // of each outline in the open block
+
+  std::vector<POINT> points_;
+  std::vector<uint8_t> types_;
+};
+
+}  // namespace
+
+std::u16string writePage(const Scene& scene, const Plan& plan,
+                         const std::vector<std::shared_ptr<const Picture>>& bitmaps,
+                         const std::vector<Outline>& outlines, TextMode mode) {
+  Writer writer(scene, outlines);
+  writer.draw(plan, bitmaps,
+              mode == TextMode::kBoth ? makeTextLines(scene, outlines) : std::vector<TextLine>());
+  return writer.close();
+}
+
+}  // namespace qz::pdf

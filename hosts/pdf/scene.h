@@ -1,0 +1,128 @@
+// What a page draws: leaves under clips, groups and what else encloses them, in painting order.
+// It is made by the engine, and after that only read. All lengths are units, see geometry.h.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "geometry.h"
+
+namespace qz::pdf {
+
+struct Colour {
+  uint8_t alpha = 255, red = 0, green = 0, blue = 0;
+  friend bool operator==(const Colour&, const Colour&) = default;
+};
+
+enum class Cap : uint8_t { kButt, kRound, kSquare };
+enum class Join : uint8_t { kMitre, kRound, kBevel };
+
+struct Pen {
+  float width = 0;
+  float skew = 0;  // by how much the width of a pen that is no circle varies
+  Cap cap = Cap::kButt;
+  Join join = Join::kMitre;
+  float mitreLimit = 10;
+  std::array<float, 8> dashes = {};  // on, off, on ...
+  int dashCount = 0;                 // 0 for a solid line; more than there are places: not known
+  float dashPhase = 0;
+};
+
+// The shape of a glyph at the origin, rounded to units.
+struct Outline {
+  std::vector<POINT> points;
+  std::vector<uint8_t> types;
+  Box bounds;
+  float advance = 0;  // to the next glyph, along the line
+};
+
+struct Glyph {
+  uint32_t outline = 0;    // index among the engine's outlines; 0 has no shape
+  char32_t character = 0;  // 0 when it is not known
+  bool continued = false;  // a further character of the glyph before
+  Point origin;
+};
+
+// Glyphs of one face and size.
+struct Text {
+  std::vector<Glyph> glyphs;
+  Point along;  // the direction of the line, of length 1
+  float size = 0;
+  bool drawn = true;  // otherwise it is there to be found only
+  bool serif = false, monospaced = false;
+};
+
+struct Picture {
+  qzsvggen::ImageFormat format;
+  std::string bytes;
+};
+
+// A range of the engine's drawing calls, both ends included.
+struct Calls {
+  uint32_t first = 0, last = 0;
+};
+
+enum class Kind : uint8_t {
+  kFill,     // a path
+  kStroke,   // a path
+  kText,     // a text, filled, or stroked when the pen has a width
+  kPicture,  // a picture in `bounds`
+  kClip,     // children, clipped by a path
+  kGroup,    // children, painted as one
+  kEngine,   // children, or a leaf without content, as only the engine can draw it
+};
+
+struct Node {
+  Kind kind = Kind::kGroup;
+  bool evenOdd = false;             // fills and clips
+  bool blends = false;              // groups and what the engine draws: with what lies below
+  bool stretched = false;           // a picture that does not keep its proportions
+  bool ownMask = false;             // a picture that has been masked by what encloses it
+  int32_t field = -1;               // index of the form field that it belongs to
+  float alpha = 1;                  // groups
+  const char* blendMode = nullptr;  // of a group, as CSS names it; null for the normal one
+  Colour colour;
+  Calls calls;
+  Box bounds;  // of what is drawn, clips that enclose it left aside
+  Pen pen;
+  std::variant<std::monostate, Path, Text, std::shared_ptr<const Picture>> content;
+  std::vector<Node> children;
+};
+
+struct Link {
+  Box bounds;
+  bool internal = false;
+  std::u16string target;
+};
+
+struct Target {
+  Point position;
+  std::u16string name;
+};
+
+struct Field {
+  enum class Type : uint8_t { kText, kDate, kComboBox, kCheckBox, kSignature };
+  Type type = Type::kText;
+  uint8_t flags = 0, exFlags = 0;
+  Box bounds;
+  std::u16string name;
+  int64_t days = 0;     // date fields
+  std::u16string data;  // the description of a signature
+};
+
+struct Scene {
+  RECT page = {};
+  Node root;
+  std::vector<Link> links;
+  std::vector<Target> targets;
+  std::vector<Field> fields;
+  int droppedLinks = 0;   // with schemes that are not passed on
+  int untypedFields = 0;  // drawn, but no fields of the format
+  int damages = 0;        // places where the page could not be read
+};
+
+}  // namespace qz::pdf

@@ -1,0 +1,335 @@
+#include "scene_builder.h"
+
+namespace qz::pdf {
+namespace {
+
+Box boundsOf(const std::vector<Point>& points) {
+  Box box;
+  for (const Point p : points) box.include(p);
+  return box;
+}
+
+// What text can hold: neither what XML refuses nor what says that nothing is known.
+char32_t textCharacter(int code) {
+  if (code == '\t' || code == '\n' || code == '\r') return ' ';
+  const bool unknown = code < 0x20 || code == 0x7F || (code >= 0xD800 && code < 0xE000) ||
+                       (code >= 0xFFFD && code <= 0xFFFF) || code > 0x10FFFF;
+  return unknown ? 0 : static_cast<char32_t>(code);
+}
+
+// How far a stroke reaches beyond its path; a mitre farther than that is rare.
+float reach(const Pen& pen) { return pen.width * (pen.join == Join::kMitre ? 1.0f : 0.71f); }
+
+}  // namespace
+
+// ---- Caches -------------------------------------------------------------------------------------
+
+GlyphCache::Face& GlyphCache::face(fz_font* font, fz_matrix m) {
+  const auto [found, isNew] = faces_.try_emplace({font, m.a, m.b, m.c, m.d});
+  if (isNew) {
+    fonts_.reserve(fonts_.size() + 1);
+    fonts_.push_back(fz_keep_font(context_, font));
+  }
+  return found->second;
+}
+
+uint32_t GlyphCache::add(Face& face, int glyph, Outline outline) {
+  points_ += outline.points.size();
+  outlines_.push_back(std::move(outline));
+  return face[glyph] = static_cast<uint32_t>(outlines_.size() - 1);
+}
+
+void GlyphCache::trim() {
+  if (points_ > 1'000'000 || faces_.size() > 5'000) clear();
+}
+
+void GlyphCache::clear() {
+  dropFonts();
+  faces_.clear();
+  outlines_.assign(1, Outline{});
+  points_ = 0;
+}
+
+void GlyphCache::dropFonts() {
+  for (fz_font* font : fonts_) fz_drop_font(context_, font);
+  fonts_.clear();
+}
+
+std::shared_ptr<const Picture> PictureCache::find(const PictureKey& key) const {
+  const auto found = pictures_.find(key);
+  return found == pictures_.end() ? nullptr : found->second;
+}
+
+void PictureCache::add(const PictureKey& key, std::shared_ptr<const Picture> picture) {
+  const auto [place, isNew] = pictures_.emplace(key, std::move(picture));
+  if (!isNew) return;
+  fz_keep_image(context_, key.image);
+  fz_keep_image(context_, key.mask);
+  bytes_ += place->second->bytes.size();
+}
+
+void PictureCache::trim() {
+  if (bytes_ > 16'000'000 || pictures_.size() > 2'000) clear();
+}
+
+void PictureCache::clear() {
+  for (const auto& [key, picture] : pictures_) {
+    fz_drop_image(context_, key.image);
+    fz_drop_image(context_, key.mask);
+  }
+  pictures_.clear();
+  bytes_ = 0;
+}
+
+// ---- The tree -----------------------------------------------------------------------------------
+
+SceneBuilder::SceneBuilder(GlyphCache& glyphs, PictureCache& pictures)
+    : glyphs_(glyphs), pictures_(pictures), open_(1) {}
+
+Node SceneBuilder::finish() {
+  while (open_.size() > 1) close();
+  if (failure_) std::rethrow_exception(failure_);
+  return std::move(open_.front().node);
+}
+
+Node SceneBuilder::leaf(Kind kind) const {
+  Node node;
+  node.kind = kind;
+  node.field = field_;
+  node.calls = {calls_, calls_};
+  return node;
+}
+
+void SceneBuilder::add(Node node) {
+  Node& parent = open_.back().node;
+  parent.bounds.include(node.bounds);
+  parent.children.push_back(std::move(node));
+}
+
+void SceneBuilder::open(Kind kind, Node node, fz_image* mask, fz_matrix matrix) {
+  node.kind = kind;
+  open_.push_back({std::move(node), mask, matrix});
+}
+
+void SceneBuilder::openClip(bool evenOdd) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kClip);
+    node.evenOdd = evenOdd;
+    node.content = path_;
+    open(Kind::kClip, std::move(node));
+  });
+}
+
+void SceneBuilder::openGroup(const char* blendMode, float alpha) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kGroup);
+    node.blendMode = blendMode;
+    node.alpha = alpha;
+    open(Kind::kGroup, std::move(node));
+  });
+}
+
+void SceneBuilder::openForeign(Box bounds) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kEngine);
+    node.bounds = bounds;
+    open(Kind::kEngine, std::move(node));
+  });
+}
+
+void SceneBuilder::openMask(fz_image* image, fz_matrix matrix) noexcept {
+  keep([&] { open(Kind::kEngine, leaf(Kind::kEngine), image, matrix); });
+}
+
+fz_image* SceneBuilder::pendingMask(fz_matrix& matrix) const noexcept {
+  const Open& top = open_.back();
+  if (!top.node.children.empty()) return nullptr;
+  matrix = top.maskMatrix;
+  return top.mask;
+}
+
+void SceneBuilder::close() noexcept {
+  keep([&] {
+    if (open_.size() < 2) return;
+    Node node = std::move(open_.back().node);
+    open_.pop_back();
+    node.calls.last = calls_;
+    if (node.children.empty()) return;
+    if (node.children.size() == 1 && node.children.front().ownMask) {
+      Node picture = std::move(node.children.front());
+      picture.ownMask = false;
+      node = std::move(picture);
+    }
+    add(std::move(node));
+  });
+}
+
+// ---- Paths --------------------------------------------------------------------------------------
+
+void SceneBuilder::beginPath(fz_matrix matrix) noexcept {
+  m_ = matrix;
+  path_.points.clear();
+  path_.types.clear();
+  atStart_ = true;
+  start_ = {};
+}
+
+void SceneBuilder::addPoint(Point p, uint8_t type) {
+  path_.points.push_back(p);
+  path_.types.push_back(type);
+}
+
+void SceneBuilder::moveTo(float x, float y) noexcept {
+  start_ = map(x, y);
+  atStart_ = true;
+}
+
+void SceneBuilder::lineTo(float x, float y) noexcept {
+  keep([&] {
+    if (atStart_) addPoint(start_, PT_MOVETO);
+    atStart_ = false;
+    addPoint(map(x, y), PT_LINETO);
+  });
+}
+
+void SceneBuilder::curveTo(float x1, float y1, float x2, float y2, float x3, float y3) noexcept {
+  keep([&] {
+    if (atStart_) addPoint(start_, PT_MOVETO);
+    atStart_ = false;
+    addPoint(map(x1, y1), PT_BEZIERTO);
+    addPoint(map(x2, y2), PT_BEZIERTO);
+    addPoint(map(x3, y3), PT_BEZIERTO);
+  });
+}
+
+void SceneBuilder::closePath() noexcept {
+  if (!atStart_ && !path_.types.empty()) path_.types.back() |= PT_CLOSEFIGURE;
+  atStart_ = true;  // what follows without a move starts where this figure did
+}
+
+void SceneBuilder::addFill(bool evenOdd, Colour colour) noexcept {
+  keep([&] {
+    if (path_.points.empty()) return;
+    Node node = leaf(Kind::kFill);
+    node.evenOdd = evenOdd;
+    node.colour = colour;
+    node.bounds = boundsOf(path_.points);
+    node.content = path_;
+    add(std::move(node));
+  });
+}
+
+void SceneBuilder::addStroke(const Pen& pen, Colour colour) noexcept {
+  keep([&] {
+    if (path_.points.empty()) return;
+    Node node = leaf(Kind::kStroke);
+    node.pen = pen;
+    node.colour = colour;
+    node.bounds = boundsOf(path_.points).grown(reach(pen));
+    node.content = path_;
+    add(std::move(node));
+  });
+}
+
+void SceneBuilder::addForeign(Box bounds) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kEngine);
+    node.bounds = bounds;
+    add(std::move(node));
+  });
+}
+
+// ---- Texts --------------------------------------------------------------------------------------
+
+void SceneBuilder::beginText(fz_font* font, fz_matrix m, bool vertical, bool drawn) noexcept {
+  keep([&] {
+    face_ = &glyphs_.face(font, m);
+    text_ = {};
+    text_.drawn = drawn;
+    text_.size = std::hypot(m.c, m.d);
+    advanceScale_ = std::hypot(m.a, m.b);
+    const Point line = vertical ? Point{-m.c, -m.d} : Point{m.a, m.b};
+    const float scale = length(line);
+    if (scale > 0) text_.along = {line.x / scale, line.y / scale};
+  });
+}
+
+bool SceneBuilder::knowsGlyph(int glyph) const noexcept {
+  return failure_ || face_->find(glyph) != face_->end();
+}
+
+void SceneBuilder::addGlyph(int glyph, float advance) noexcept {
+  keep([&] {
+    Outline outline;
+    outline.advance = std::abs(advance) * advanceScale_;
+    for (const Point p : path_.points) {
+      outline.points.push_back(toUnits(p));
+      outline.bounds.include(p);
+    }
+    outline.types = path_.types;
+    for (size_t i = 0; i < outline.types.size(); ++i)  // a filled figure is closed anyway
+      if (i + 1 == outline.types.size() || outline.types[i + 1] == PT_MOVETO)
+        outline.types[i] |= PT_CLOSEFIGURE;
+    glyphs_.add(*face_, glyph, std::move(outline));
+  });
+}
+
+void SceneBuilder::putGlyph(int glyph, Point origin, int character) noexcept {
+  keep([&] {
+    Glyph item;
+    item.continued = glyph < 0;
+    if (!item.continued) item.outline = face_->at(glyph);
+    item.character = textCharacter(character);
+    item.origin = origin;
+    text_.glyphs.push_back(item);
+  });
+}
+
+void SceneBuilder::addText(const Pen& pen, Colour colour) noexcept {
+  keep([&] {
+    if (text_.glyphs.empty()) return;
+    Node node = leaf(Kind::kText);
+    for (const Glyph& glyph : text_.glyphs) {
+      const Box& box = glyphs_.outlines()[glyph.outline].bounds;
+      if (!box.empty()) node.bounds.include(box.moved(glyph.origin));
+    }
+    if (!node.bounds.empty()) node.bounds = node.bounds.grown(reach(pen));
+    node.pen = pen;
+    node.colour = colour;
+    node.content = std::move(text_);
+    add(std::move(node));
+  });
+}
+
+void SceneBuilder::beginType3(bool isMask, Colour colour) noexcept {
+  if (type3Depth_++ > 0) return;
+  type3IsMask_ = isMask;
+  type3Colour_ = colour;
+}
+
+// ---- Pictures -----------------------------------------------------------------------------------
+
+bool SceneBuilder::knowsPicture(const PictureKey& key) const noexcept {
+  return failure_ || pictures_.find(key) != nullptr;
+}
+
+void SceneBuilder::storePicture(const PictureKey& key, qzsvggen::ImageFormat format,
+                                const uint8_t* data, size_t size) noexcept {
+  keep([&] {
+    pictures_.add(key,
+                  std::make_shared<const Picture>(Picture{format, std::string(data, data + size)}));
+  });
+}
+
+void SceneBuilder::addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kPicture);
+    node.ownMask = key.mask != nullptr;
+    node.stretched = stretched;
+    node.bounds = bounds;
+    node.content = pictures_.find(key);
+    add(std::move(node));
+  });
+}
+
+}  // namespace qz::pdf

@@ -1,0 +1,172 @@
+// Collects what the engine's device is told, as a scene. Part of the engine.
+//
+// All members but the constructors, finish() and clear() may be called from MuPDF's callbacks: they
+// throw nothing. What goes wrong in them is thrown by finish().
+#pragma once
+
+#include <exception>
+#include <map>
+#include <tuple>
+#include <unordered_map>
+
+#include "mupdf.h"
+#include "scene.h"
+
+namespace qz::pdf {
+
+// The outlines of a document's glyphs, made once for each face and size.
+class GlyphCache {
+ public:
+  explicit GlyphCache(fz_context* context) : context_(context) { clear(); }
+  GlyphCache(const GlyphCache&) = delete;
+  GlyphCache& operator=(const GlyphCache&) = delete;
+  ~GlyphCache() { dropFonts(); }
+
+  using Face = std::unordered_map<int, uint32_t>;  // from glyphs to indices of outlines
+
+  Face& face(fz_font* font, fz_matrix matrix);
+  uint32_t add(Face& face, int glyph, Outline outline);
+  const std::vector<Outline>& outlines() const { return outlines_; }
+  // Forgets everything when it has become large. Only between pages.
+  void trim();
+
+ private:
+  void clear();
+  void dropFonts();
+
+  fz_context* context_;
+  std::map<std::tuple<fz_font*, float, float, float, float>, Face> faces_;
+  std::vector<fz_font*> fonts_;  // kept, so that no other font gets the address of one
+  std::vector<Outline> outlines_;
+  size_t points_ = 0;
+};
+
+// An image as it is shown: by the same key it looks the same.
+struct PictureKey {
+  fz_image* image = nullptr;
+  fz_image* mask = nullptr;
+  uint32_t colour = 0;                 // of a stencil
+  int32_t a = 0, b = 0, c = 0, d = 0;  // units
+  uint8_t alpha = 255;
+  auto operator<=>(const PictureKey&) const = default;
+};
+
+class PictureCache {
+ public:
+  explicit PictureCache(fz_context* context) : context_(context) {}
+  PictureCache(const PictureCache&) = delete;
+  PictureCache& operator=(const PictureCache&) = delete;
+  ~PictureCache() { clear(); }
+
+  std::shared_ptr<const Picture> find(const PictureKey& key) const;
+  void add(const PictureKey& key, std::shared_ptr<const Picture> picture);
+  void trim();
+
+ private:
+  void clear();
+
+  fz_context* context_;
+  std::map<PictureKey, std::shared_ptr<const Picture>> pictures_;
+  size_t bytes_ = 0;
+};
+
+class SceneBuilder {
+ public:
+  SceneBuilder(GlyphCache& glyphs, PictureCache& pictures);
+
+  // What is drawn from now on belongs to this field; -1 ends that.
+  void setField(int field) noexcept { field_ = field; }
+  // The scene's root. Throws what went wrong.
+  Node finish();
+
+  // Counts a call of the device. The glyphs of Type 3 fonts are drawn within one.
+  void count() noexcept { calls_ += type3Depth_ == 0 ? 1 : 0; }
+
+  // Paths: begun, walked over and used.
+  void beginPath(fz_matrix matrix) noexcept;
+  void moveTo(float x, float y) noexcept;
+  void lineTo(float x, float y) noexcept;
+  void curveTo(float x1, float y1, float x2, float y2, float x3, float y3) noexcept;
+  void closePath() noexcept;
+
+  void addFill(bool evenOdd, Colour colour) noexcept;
+  void addStroke(const Pen& pen, Colour colour) noexcept;
+  // A leaf that only the engine can draw.
+  void addForeign(Box bounds) noexcept;
+
+  // Texts: begun, filled glyph by glyph and used. Glyphs are made when they are not known.
+  void beginText(fz_font* font, fz_matrix matrix, bool vertical, bool drawn) noexcept;
+  bool knowsGlyph(int glyph) const noexcept;
+  void addGlyph(int glyph, float advance) noexcept;                // its path has been walked over
+  void putGlyph(int glyph, Point origin, int character) noexcept;  // -1 continues the one before
+  void addText(const Pen& pen, Colour colour) noexcept;
+
+  // While a glyph of a Type 3 font is drawn; its own colours count unless it is a mask.
+  void beginType3(bool isMask, Colour colour) noexcept;
+  void endType3() noexcept { --type3Depth_; }
+  const Colour* type3Colour() const noexcept {
+    return type3Depth_ > 0 && type3IsMask_ ? &type3Colour_ : nullptr;
+  }
+
+  bool knowsPicture(const PictureKey& key) const noexcept;
+  void storePicture(const PictureKey& key, qzsvggen::ImageFormat format, const uint8_t* data,
+                    size_t size) noexcept;
+  void addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept;
+
+  void openClip(bool evenOdd) noexcept;
+  void openGroup(const char* blendMode, float alpha) noexcept;
+  // `bounds` hold what is drawn there beside the children.
+  void openForeign(Box bounds = {}) noexcept;
+  // What it encloses shows where the image lets it.
+  void openMask(fz_image* image, fz_matrix matrix) noexcept;
+  // The image that masks what is drawn now and has masked nothing yet, or null.
+  fz_image* pendingMask(fz_matrix& matrix) const noexcept;
+  void close() noexcept;
+
+ private:
+  struct Open {
+    Node node;
+    fz_image* mask = nullptr;
+    fz_matrix maskMatrix = {};
+  };
+
+  // Runs C++ below MuPDF: nothing is thrown into it.
+  template <class Body>
+  void keep(const Body& body) noexcept {
+    try {
+      if (!failure_) body();
+    } catch (...) {
+      failure_ = std::current_exception();
+    }
+  }
+
+  Point map(float x, float y) const {
+    return {x * m_.a + y * m_.c + m_.e, x * m_.b + y * m_.d + m_.f};
+  }
+  void addPoint(Point p, uint8_t type);
+  Node leaf(Kind kind) const;
+  void add(Node node);
+  void open(Kind kind, Node node, fz_image* mask = nullptr, fz_matrix matrix = {});
+
+  GlyphCache& glyphs_;
+  PictureCache& pictures_;
+  std::exception_ptr failure_;
+  std::vector<Open> open_;
+  uint32_t calls_ = 0;
+  int field_ = -1;
+
+  fz_matrix m_ = {};
+  Path path_;
+  Point start_;
+  bool atStart_ = true;  // the current figure has no points yet
+
+  Text text_;
+  GlyphCache::Face* face_ = nullptr;
+  float advanceScale_ = 0;
+
+  int type3Depth_ = 0;
+  bool type3IsMask_ = false;
+  Colour type3Colour_;
+};
+
+}  // namespace qz::pdf

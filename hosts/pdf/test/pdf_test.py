@@ -1,0 +1,270 @@
+#!/usr/bin/python3
+"""Tests of qzsvggen-pdf: pdf_test.py PROGRAM."""
+
+import concurrent.futures
+import io
+import os
+import pathlib
+import random
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+HERE = pathlib.Path(__file__).parent
+sys.path[:0] = [str(HERE), str(HERE.parent)]
+
+import compare  # noqa: E402
+import make_pdfs  # noqa: E402
+from PIL import Image  # noqa: E402
+
+SVG = "{http://www.w3.org/2000/svg}"
+XLINK = "{http://www.w3.org/1999/xlink}"
+VELUMARK = "{urn:velumark:svg:1}"
+
+# How far, in grey values, the browser's picture of a page is from the engine's own, when it was
+# looked at and found right.
+DIFFERENCES = {"shapes": 0.35, "joins": 0.15, "clips": 0.02, "text": 0.34, "type3": 0.02,
+               "pictures": 0.30, "links": 0.06, "form": 0.08, "effects": 0.77, "leaflet": 0.41}
+
+MUTANTS = 1000
+
+
+def run(pdf, out, *options):
+    done = subprocess.run([PROGRAM, pdf, "-o", out, *options], capture_output=True, text=True,
+                          timeout=60)
+    return done.returncode, done.stdout, done.stderr
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = pathlib.Path(temporary.name)
+
+    def file(self, data, name="test.pdf"):
+        path = self.folder / name
+        path.write_bytes(data)
+        return path
+
+    def draw(self, data, *options):
+        """The pages of a PDF, as bytes."""
+        out = self.folder / "out"
+        status, _, errors = run(self.file(data), out, *options)
+        self.assertEqual((status, errors), (0, ""))
+        return [page.read_bytes() for page in sorted(out.iterdir())]
+
+    def trees(self, data, *options):
+        return [ElementTree.fromstring(page) for page in self.draw(data, *options)]
+
+
+class Features(Folder):
+    @unittest.skipUnless(compare.has_chromium(), "there is no chromium")
+    def test_pictures_look_as_the_engine_draws_them(self):
+        compare.WIDTH = 600
+        pages = [self.draw(pdf, "--pages=1")[0] for pdf in make_pdfs.FEATURES.values()]
+        pictures = compare.render(pages, [(600, 600)] * len(pages))
+        for (name, pdf), picture in zip(make_pdfs.FEATURES.items(), pictures):
+            wanted = compare.run("mutool", "draw", "-q", "-r", 144, "-F", "png", "-o", "-",
+                                 self.file(pdf), 1)
+            with self.subTest(name):
+                found = compare.difference(picture, Image.open(io.BytesIO(wanted)))
+                self.assertLess(abs(found - DIFFERENCES[name]), 1, f"is {found:.2f}")
+
+    def test_pictures_say_what_no_call_says(self):
+        for name in ("joins", "clips", "pictures"):
+            with self.subTest(name):
+                page, = self.draw(make_pdfs.FEATURES[name])
+                self.assertEqual(page.count(b'<symbol id="QZ_S'), 1)
+        root, = self.trees(make_pdfs.FEATURES["effects"])
+        styles = [e.get("style") for e in root.iter() if e.get("style")]
+        self.assertEqual(styles, ["mix-blend-mode:multiply"])
+        self.assertTrue(any(e.get("stroke-dasharray") == "240 120" for e in root.iter()))
+
+    def test_same_input_same_bytes(self):
+        for name, pdf in make_pdfs.FEATURES.items():
+            with self.subTest(name):
+                self.assertEqual(self.draw(pdf), self.draw(pdf))
+
+    def test_root_is_in_points_unless_exact(self):
+        root, = self.trees(make_pdfs.FEATURES["shapes"])
+        self.assertEqual([root.get(key) for key in ("width", "height", "viewBox")],
+                         ["300.00pt", "300.00pt", "0 0 6000 6000"])
+        root, = self.trees(make_pdfs.FEATURES["shapes"], "--exact")
+        self.assertEqual([root.get(key) for key in ("width", "height", "viewBox")],
+                         ["6000", "6000", None])
+
+    def test_a_further_move_follows_a_closed_figure(self):
+        root, = self.trees(make_pdfs.FEATURES["shapes"])
+        paths = [e.get("d") for e in root.iter(SVG + "path")]
+        self.assertTrue(any("zm" in path for path in paths))
+        self.assertEqual([path for path in paths if re.search("[^z]m", path)], [])
+
+    def test_clips(self):
+        root, = self.trees(make_pdfs.FEATURES["clips"])
+        clips = [e.find(SVG + "path").get("d") for e in root.iter(SVG + "clipPath")]
+        self.assertEqual(clips[0], "M800 800h2000v2000h-2000z")
+        self.assertNotIn("M400 3200h5200v2400h-5200z", clips)  # it cuts nothing
+
+    def test_outlines_are_shared(self):
+        root, = self.trees(make_pdfs.FEATURES["text"], "--text=outlines")
+        self.assertEqual(list(root.iter(SVG + "text")), [])
+        defined = [e.get("id") for e in root.iter(SVG + "path") if e.get("id")]
+        used = [e.get(XLINK + "href")[1:] for e in root.iter(SVG + "use")]
+        self.assertEqual(set(used), set(defined))
+        self.assertGreater(len(used), 1.5 * len(defined))
+
+    def test_text_is_found_in_lines(self):
+        root, = self.trees(make_pdfs.FEATURES["text"])
+        lines = [e.text for e in root.iter(SVG + "text")]
+        self.assertEqual(lines, ["The quick brown fox", "jumps over <the> lazy & dog",
+                                 "first line of four", "second line of four", "third line",
+                                 "fourth line", "Outline", "upwards"])
+        root, = self.trees(make_pdfs.FEATURES["type3"])
+        self.assertEqual([e.text for e in root.iter(SVG + "text")], ["XYZXY"])
+
+    def test_a_jpeg_keeps_its_bytes_and_is_stored_once(self):
+        page, = self.draw(make_pdfs.FEATURES["pictures"])
+        encoded = compare.base64.b64encode(make_pdfs.jpeg())
+        self.assertEqual(page.count(b'<image width="2400" height="1600" xlink:href='
+                                    b'"data:image/jpeg;base64,' + encoded), 1)
+        self.assertEqual(page.count(encoded), 2)  # the squeezed one is in an SVG picture
+        self.assertEqual(page.count(b'href="#QZ_I0"'), 2)
+
+    def test_links_and_targets(self):
+        first, second = self.trees(make_pdfs.FEATURES["links"], "--text=outlines")
+        links = [(e.get(VELUMARK + "linkType"), e.get(XLINK + "href"),
+                  len(list(e.iter(SVG + "use"))), len(list(e.iter(SVG + "path"))))
+                 for e in first.iter(SVG + "a")]
+        self.assertEqual(links, [
+            ("FT_EXTERNALLINK", "https://example.org/?a=1&b=2", 7, 0),
+            ("FT_EXTERNALLINK", "mailto:a@example.org", 4, 0),
+            ("FT_INTERNALLINK", "#p2.1000.1760", 10, 0),
+            ("FT_EXTERNALLINK", "http://example.org/empty", 0, 1)])
+        target, = second.iter(VELUMARK + "target")
+        self.assertEqual((target.get("name"), target.get("position")), ("p2.1000.1760", "1000 1760"))
+        self.assertEqual(list(first.iter(VELUMARK + "target")), [])
+
+    def test_fields_and_signature(self):
+        root, = self.trees(make_pdfs.FEATURES["form"])
+        fields = [[e.get(VELUMARK + key) for key in
+                   ("formFieldType", "name", "fieldFlags", "exFieldFlags", "bounds", "typeData")]
+                  for e in root.iter() if e.get(VELUMARK + "purpose") == "FormField"]
+        self.assertEqual(fields, [
+            ["FT_FORMTEXT", "name.first", "2", "16", "400 600 2800 1000",
+             "Ada & <Co>\u2028Lovelace"],
+            ["FT_DATE", "when", None, None, "3200 600 5600 1000", "45650 dd.mm.yyyy"],
+            ["FT_COMBOBOX", "food", None, None, "400 1400 2800 1800", "Rice Rice Meat"],
+            ["FT_CHECKBOX", "yes", "2", None, "400 2000 800 2400", "Yes"],
+            ["FT_CHECKBOX", "no", "2", None, "1200 2000 1600 2400", "Off"]])
+        for field in root.iter(SVG + "g"):
+            if field.get(VELUMARK + "purpose") == "FormField":
+                self.assertGreater(len(field), 0, "its appearance is drawn inside")
+        signature, = [e for e in root.iter()
+                      if e.get(VELUMARK + "purpose") == "SignatureField"]
+        self.assertEqual([signature.get(VELUMARK + key) for key in ("name", "infoData", "bounds")],
+                         ["Sign here", "Name=Edda Quill; Reason=Agreed; M=D:20241224120000Z",
+                          "400 3600 2800 4800"])
+
+
+class Input(Folder):
+    def test_bad_input_is_refused_in_one_line(self):
+        good = make_pdfs.FEATURES["shapes"]
+        password = self.file(b"wrong\n", "password")
+        cases = [
+            (b"", [], "is not a PDF"),
+            (b"GIF89a" + bytes(2000), [], "is not a PDF"),
+            (good[:300], [], ""),
+            (make_pdfs.encrypted(), [], "is encrypted"),
+            (make_pdfs.encrypted(), ["--password-file", password], "the password is wrong"),
+            (make_pdfs.no_pages(), [], "has no pages"),
+            (good, ["--pages=2"], "there is no page 2"),
+            (good, ["--pages=0"], "there is no page 0"),
+            (good, ["--pages=x"], "no page number"),
+            (good, ["--password-file", self.folder / "none"], "cannot be read"),
+        ]
+        for data, options, message in cases:
+            with self.subTest(message, options=options):
+                out = self.folder / "out"
+                status, _, errors = run(self.file(data), out, *options)
+                self.assertEqual(status, 2)
+                self.assertIn(message, errors)
+                self.assertEqual(errors.count("\n"), 1, errors)
+                self.assertFalse(out.exists())
+        self.assertIn("does not exist", run(self.folder / "none.pdf", self.folder / "out")[2])
+
+    def test_output_that_cannot_be_written(self):
+        taken = self.file(b"", "taken")
+        status, _, errors = run(self.file(make_pdfs.FEATURES["shapes"]), taken)
+        self.assertEqual((status, errors.count("\n")), (2, 1))
+        self.assertEqual(taken.read_bytes(), b"")
+
+    def test_password(self):
+        password = self.file(b"open sesame\n", "password")
+        page, = self.draw(make_pdfs.encrypted(), "--password-file", password)
+        self.assertEqual(page, self.draw(make_pdfs.FEATURES["shapes"])[0])
+
+    def test_a_broken_page_is_named_and_the_others_are_written(self):
+        out = self.folder / "out"
+        status, told, errors = run(self.file(make_pdfs.broken_page()), out)
+        self.assertEqual(status, 2)
+        self.assertIn("page 2", errors)
+        self.assertIn("1 page failed", told)
+        self.assertEqual(sorted(p.name for p in out.iterdir()), ["page-001.svg", "page-003.svg"])
+
+    def test_pages(self):
+        out = self.folder / "out"
+        run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2")
+        self.assertEqual([p.name for p in out.iterdir()], ["page-002.svg"])
+
+
+def mutate(data, chance):
+    data = bytearray(data)
+    for _ in range(chance.randint(1, 20)):
+        at = chance.randrange(len(data))
+        kind = chance.randrange(4)
+        if kind == 0:
+            data[at] = chance.randrange(256)
+        elif kind == 1:
+            data[at:at + 1] = chance.choice([b"-", b"9", b"/", b"<<", b">>", b" 0 R", b"]", b"1e9"])
+        elif kind == 2:
+            del data[at:at + chance.randint(1, 30)]
+        else:
+            other = chance.randrange(len(data))
+            data[at:at] = data[other:other + chance.randint(1, 200)]
+    return bytes(data[:chance.randrange(len(data))] if chance.random() < 0.05 else data)
+
+
+class Mutants(Folder):
+    def examine(self, number):
+        """What is wrong with drawing one mutant, or nothing."""
+        chance = random.Random(number)
+        data = mutate(chance.choice(list(make_pdfs.FEATURES.values())), chance)
+        pdf = self.file(data, f"{number}.pdf")
+        out = self.folder / str(number)
+        try:
+            status = run(pdf, out)[0]
+        except subprocess.TimeoutExpired:
+            status = "endless"
+        if status not in (0, 2):
+            own = subprocess.run(["mutool", "draw", "-q", "-F", "png", "-o", os.devnull, pdf],
+                                 capture_output=True, timeout=60).returncode
+            return None if own < 0 else f"mutant {number}: {status}"
+        for page in out.iterdir() if out.exists() else []:
+            try:
+                ElementTree.parse(page)
+            except ElementTree.ParseError as wrong:
+                return f"mutant {number}: {page.name}: {wrong}"
+        return None
+
+    def test_no_mutant_brings_anything_down(self):
+        with concurrent.futures.ThreadPoolExecutor(2) as pool:
+            wrong = [found for found in pool.map(self.examine, range(MUTANTS)) if found]
+        self.assertEqual(wrong, [])
+
+
+if __name__ == "__main__":
+    PROGRAM = os.path.abspath(sys.argv.pop(1))
+    unittest.main()
