@@ -22,16 +22,18 @@ import { measure, widthOf } from './text.js';
 const OFF = /^(?:|0|off|no|false)$/i;
 
 /**
- * The guess of what a field means, from its data and what is drawn in it.
+ * The guess of what a field means, from its data and what is drawn in it. Null for a field that has
+ * a value of which the page shows nothing: then it is not for the reader.
  * @param {Field} field
- * @returns {Interpretation}
+ * @returns {Interpretation | null}
  */
-export function guess({ type, data, text, bounds }) {
+export function guess({ type, data, text, drawn }) {
+  if (!drawn && !OFF.test(data)) return null;
   switch (type) {
     case 'FT_CHECKBOX': return { checked: !OFF.test(data), value: OFF.test(data) || data === '1' ? 'on' : data };
     case 'FT_COMBOBOX': return { value: text, choices: [...new Set(data.replace(/\t$/, '').split('\t'))] };
     case 'FT_DATE': return { value: text };
-    default: return { value: data, multiline: /[\n\r]/.test(data) || text.includes('\n') && bounds.bottom - bounds.top > 0 };
+    default: return { value: data, multiline: /[\n\r]/.test(data + text) };
   }
 }
 
@@ -247,7 +249,7 @@ export function wordsOf(page, fontOf) {
 // ---- Values ----
 
 /** The value that all fields of one name have in common. */
-export class Entry {
+class Entry {
   /** @param {string} name @param {string | boolean} value @param {string} submitted of a check box */
   constructor(name, value, submitted) {
     this.name = name;
@@ -257,9 +259,83 @@ export class Entry {
     this.controls = [];
   }
 
-  /** @param {string | boolean} value @param {Control} [source] the control that has it already */
-  set(value, source) {
+  /** @param {string | boolean} value */
+  set(value) {
     this.value = value;
-    for (const control of this.controls) if (control !== source || control.checkable || control.printed) control.show(value);
+    for (const control of this.controls) control.show(value);
+  }
+}
+
+/** @typedef {Record<string, string | boolean>} Values text, or of a check box whether it is checked */
+
+/** All fields of the pages that are shown, and what they hold. */
+export class Fields {
+  /** @type {Map<Element, {control: Control, entry: Entry}>} by input */
+  #inputs = new Map();
+  /** @type {Map<string, Entry>} */
+  #entries = new Map();
+  /** @type {Values} set before their fields were there */
+  #given = {};
+
+  get controls() {
+    return [...this.#inputs.values()].map(({ control }) => control);
+  }
+
+  get #named() {
+    return [...this.#entries.values()].filter(({ name }) => name);
+  }
+
+  /** @param {Control} control */
+  add(control) {
+    const { field: { name }, meaning, input, checkable } = control;
+    input.id = `field${this.#inputs.size}`;
+    const key = name ? `${checkable} ${name}` : input.id;
+    let entry = this.#entries.get(key);
+    if (!entry) {
+      entry = new Entry(name, checkable ? meaning.checked ?? false : meaning.value ?? '', meaning.value ?? 'on');
+      this.#entries.set(key, entry);
+      if (name && Object.hasOwn(this.#given, name)) entry.value = this.#given[name];
+    }
+    entry.controls.push(control);
+    this.#inputs.set(input, { control, entry });
+    control.show(entry.value);
+  }
+
+  clear() {
+    this.#inputs.clear();
+    this.#entries.clear();
+  }
+
+  /** @returns {Values} */
+  get values() {
+    return Object.fromEntries(this.#named.map(({ name, value }) => [name, value]));
+  }
+
+  set values(values) {
+    Object.assign(this.#given, values);
+    for (const entry of this.#named) if (Object.hasOwn(values, entry.name)) entry.set(values[entry.name]);
+  }
+
+  reset() {
+    this.#given = {};
+    for (const entry of this.#entries.values()) entry.set(entry.initial);
+  }
+
+  /** Takes over what was typed. @param {EventTarget | null} input */
+  take(input) {
+    const { control, entry } = this.#inputs.get(/** @type {Element} */ (input)) ?? {};
+    if (control) entry?.set(control.read());
+  }
+
+  /** What a form is sent. */
+  get data() {
+    const data = new FormData();
+    for (const { name, value, submitted } of this.#named)
+      if (value !== false) data.append(name, value === true ? submitted : value);
+    return data;
+  }
+
+  get firstInvalid() {
+    return [...this.#inputs.keys()].map(input => /** @type {Input} */ (input)).find(input => !input.checkValidity());
   }
 }

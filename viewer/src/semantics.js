@@ -11,6 +11,7 @@
  * @property {number} exFlags likewise
  * @property {Bounds} bounds
  * @property {string} text what is drawn in it, as text
+ * @property {boolean} drawn whether anything is drawn in it
  * @typedef {{page: number, type: 'external' | 'internal' | null, target: string}} Link
  * @typedef {{page: number, name: string, x: number, y: number}} Target
  * @typedef {{page: number, name: string, info: string, bounds: Bounds}} Signature
@@ -35,6 +36,7 @@ function readField(group, page) {
     flags: Number(extension(group, 'fieldflags')),
     exFlags: Number(extension(group, 'exfieldflags')),
     bounds: boundsOf(group),
+    drawn: group.firstElementChild !== null,
     text: [...group.querySelectorAll('text')].map(text => text.textContent).join('\n'),
   };
 }

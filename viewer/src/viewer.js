@@ -1,5 +1,5 @@
 // The element: it loads pages, shows them, and keeps what is typed into them.
-import { Control, Entry, guess, wordsBeside, wordsOf } from './fields.js';
+import { Control, Fields, guess, wordsBeside, wordsOf } from './fields.js';
 import { PageError, parsePage, readPage } from './read.js';
 import { repair, stretchesCharacters, svg } from './repair.js';
 import { Scope, limitInstances, sanitize, sanitizePictures } from './sanitize.js';
@@ -14,6 +14,7 @@ import { selectedText } from './text.js';
  * @typedef {import('./semantics.js').Target} Target
  * @typedef {import('./semantics.js').Signature} Signature
  * @typedef {import('./fields.js').Interpretation} Interpretation
+ * @typedef {import('./text.js').Font} Font
  * @typedef {object} Page
  * @property {number} number from 1
  * @property {number} width in the page's units
@@ -45,7 +46,8 @@ input:focus-visible, select:focus-visible, textarea:focus-visible { outline: 2px
 option { color: initial; font: 16px sans-serif; }
 @media print {
   :host { overflow: visible; background: none; }
-  section { content-visibility: visible; margin: 0; break-inside: avoid; }
+  section { content-visibility: visible; margin: 0 auto; break-inside: avoid;
+    width: min(100%, (100vh - var(--above, 0px)) * var(--ratio)) !important; }
   section + section { break-before: page; }
   .layer { display: none; }
   .value:not(.stale) { display: inline; }
@@ -81,18 +83,13 @@ export class VelumarkViewer extends HTMLElement {
   #internals = this.attachInternals();
   /** @type {Page[]} */
   #pages = [];
-  /** @type {Map<string, Entry>} */
-  #entries = new Map();
-  /** @type {Map<Element, Control>} */
-  #controls = new Map();
+  #fields = new Fields();
   /** @type {Map<Element, Link>} */
   #links = new Map();
   /** @type {Map<Element, Signature>} */
   #signatures = new Map();
   /** @type {FontFace[]} */
   #fonts = [];
-  /** @type {Record<string, string | boolean>} values set before their fields are there */
-  #given = {};
   #disabled = false;
   #run = 0;
   #observer = new ResizeObserver(() => this.#layOut());
@@ -115,17 +112,25 @@ export class VelumarkViewer extends HTMLElement {
     this.#root.addEventListener('click', event => this.#follow(event));
     this.#root.addEventListener('keydown', event => this.#press(/** @type {KeyboardEvent} */ (event)));
     this.addEventListener('copy', event => this.#copy(event));
-    this.addEventListener('invalid', () => this.#firstInvalid()?.input.focus());
+    this.addEventListener('invalid', () => this.#fields.firstInvalid?.focus());
   }
 
   connectedCallback() {
     if (!this.hasAttribute('tabindex')) this.tabIndex = 0;
     this.#observer.observe(this);
+    addEventListener('beforeprint', this.#beforePrint);
   }
 
   disconnectedCallback() {
     this.#observer.disconnect();
+    removeEventListener('beforeprint', this.#beforePrint);
   }
+
+  /** The first page shares its sheet with the margin of the document around. */
+  #beforePrint = () => {
+    const above = this.getBoundingClientRect().top + scrollY;
+    this.#pages[0]?.element.style.setProperty('--above', `${above < 50 ? above : 0}px`);
+  };
 
   /** @param {string} name @param {string | null} _ @param {string | null} value */
   attributeChangedCallback(name, _, value) {
@@ -141,8 +146,7 @@ export class VelumarkViewer extends HTMLElement {
   }
 
   formResetCallback() {
-    this.#given = {};
-    for (const entry of this.#entries.values()) entry.set(entry.initial);
+    this.#fields.reset();
     this.#submit();
   }
 
@@ -158,13 +162,12 @@ export class VelumarkViewer extends HTMLElement {
 
   /** The fields' values by name: text, or of a check box whether it is checked. */
   get values() {
-    return Object.fromEntries([...this.#entries.values()].filter(({ name }) => name).map(({ name, value }) => [name, value]));
+    return this.#fields.values;
   }
 
   /** Sets those that are named; they may come before their pages. */
   set values(values) {
-    Object.assign(this.#given, values);
-    for (const entry of this.#entries.values()) if (Object.hasOwn(values, entry.name)) entry.set(values[entry.name]);
+    this.#fields.values = values;
     this.#submit();
   }
 
@@ -252,7 +255,7 @@ export class VelumarkViewer extends HTMLElement {
     for (const font of this.#fonts) document.fonts.delete(font);
     this.#fonts = [];
     this.#pages = [];
-    for (const map of [this.#entries, this.#controls, this.#links, this.#signatures]) map.clear();
+    for (const map of [this.#fields, this.#links, this.#signatures]) map.clear();
     this.scrollTop = 0;
   }
 
@@ -316,71 +319,45 @@ export class VelumarkViewer extends HTMLElement {
 
   // ---- Fields ----
 
-  /** @param {Map<Element, Field>} fields @param {Element} drawing @param {HTMLElement} layer @param {(run: Element) => any} fontOf @param {Page} page */
+  /** @param {Map<Element, Field>} fields @param {Element} drawing @param {HTMLElement} layer @param {(run: Element) => Font} fontOf @param {Page} page */
   #addControls(fields, drawing, layer, fontOf, { width, height }) {
     const words = fields.size ? wordsOf(drawing, fontOf) : [];
     for (const [group, field] of fields) {
-      const better = field.type && this.interpretation(field);
-      if (!field.type || better === null) {
+      const known = field.type && this.interpretation(field);
+      const meaning = known === undefined ? guess(field) : known && { ...guess(field), ...known };
+      if (!meaning) {
         nameGroup(group, field.name || 'Field');
         continue;
       }
-      const meaning = { ...guess(field), ...better };
       const control = new Control(field, meaning, group, fontOf);
       const { input } = control;
       const label = meaning.label ?? wordsBeside(field, words);
       input.setAttribute('aria-label', [...new Set([label, field.name])].filter(Boolean).join(', ') || 'Field');
-      input.id = `f${pagesMade}_${this.#controls.size}`;
-      group.setAttribute('aria-owns', input.id);
       const { left, top, right, bottom } = field.bounds;
       const box = { left: left / width, top: top / height, width: (right - left) / width, height: (bottom - top) / height };
       for (const [name, part] of Object.entries(box)) input.style.setProperty(name, `${100 * part}%`);
       layer.append(input);
-      this.#controls.set(input, control);
-      this.#enter(control, meaning);
+      this.#fields.add(control);
+      group.setAttribute('aria-owns', input.id);
     }
-  }
-
-  /** @param {Control} control @param {Interpretation} meaning */
-  #enter(control, meaning) {
-    const { name } = control.field;
-    const key = name ? `${control.checkable} ${name}` : control.input.id;
-    let entry = this.#entries.get(key);
-    if (!entry) {
-      entry = new Entry(name, control.checkable ? meaning.checked ?? false : meaning.value ?? '', meaning.value ?? 'on');
-      this.#entries.set(key, entry);
-      if (name && Object.hasOwn(this.#given, name)) entry.value = this.#given[name];
-    }
-    entry.controls.push(control);
-    control.show(entry.value);
-  }
-
-  /** @param {Event} event */
-  #take({ target }) {
-    const control = this.#controls.get(/** @type {Element} */ (target));
-    const entry = [...this.#entries.values()].find(({ controls }) => control && controls.includes(control));
-    if (!control || !entry) return;
-    entry.set(control.read(), control);
-    this.#submit();
-  }
-
-  #firstInvalid() {
-    return [...this.#controls.values()].find(({ input }) => !input.checkValidity());
   }
 
   /** Tells the form around what the fields hold and whether they may be sent. */
   #submit() {
-    const data = new FormData();
-    for (const { name, value, submitted } of this.#entries.values())
-      if (name && value !== false) data.append(name, value === true ? submitted : value);
-    this.#internals.setFormValue(data);
-    const invalid = this.#firstInvalid()?.input;
+    this.#internals.setFormValue(this.#fields.data);
+    const invalid = this.#fields.firstInvalid;
     if (invalid) this.#internals.setValidity(invalid.validity, invalid.validationMessage, invalid);
     else this.#internals.setValidity({});
   }
 
+  /** @param {Event} event */
+  #take({ target }) {
+    this.#fields.take(target);
+    this.#submit();
+  }
+
   #lock() {
-    for (const control of this.#controls.values()) control.lock(this.hasAttribute('readonly'), this.#disabled);
+    for (const control of this.#fields.controls) control.lock(this.hasAttribute('readonly'), this.#disabled);
   }
 
   // ---- Links and signatures ----
@@ -434,7 +411,7 @@ export class VelumarkViewer extends HTMLElement {
   /** @param {ClipboardEvent} event */
   #copy(event) {
     const text = selectedText(this.#root, group => {
-      const control = [...this.#controls.values()].find(each => each.group === group && !each.checkable);
+      const control = this.#fields.controls.find(each => each.group === group && !each.checkable);
       return control && { text: String(control.read()), box: control.input.getBoundingClientRect(), page: group.closest('section') };
     });
     if (!text || !event.clipboardData) return;
@@ -455,6 +432,7 @@ export class VelumarkViewer extends HTMLElement {
     if (zoom === 'fit-page') shown = Math.min(shown, this.clientHeight * width / height);
     else if (number > 0) shown = number * width * 96 / perInch;
     element.style.width = `${shown}px`;
+    element.style.setProperty('--ratio', String(width / height));
     element.style.aspectRatio = `${width} / ${height}`;
     /** @type {HTMLElement} */ (element.lastElementChild).style.setProperty('--unit', `${shown / width}px`);
   }
