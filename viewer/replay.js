@@ -1,15 +1,23 @@
 // Recordings become pages by the project's replay tool, which is named here alone.
 import { execFileSync } from 'node:child_process';
+import { readFileSync, rmSync, mkdtempSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
-const TOOL = [fileURLToPath(new URL('../build/release/tools/replay/qzsvggen-replay', import.meta.url))];
+const [tool, ...verb] = [fileURLToPath(new URL('../build/release/tools/replay/qzsvggen-replay', import.meta.url))];
 
 /**
- * Replays a recording into a document. Returns the document's path.
- * @param {string} recording @param {string} document
+ * The document of a recording, as UTF-8 text.
+ * @param {string} recording
  */
-export function replay(recording, document) {
-  const [program, ...verb] = TOOL;
-  execFileSync(program, [...verb, recording, '-o', document]);
-  return document;
+export function replayText(recording) {
+  const out = mkdtempSync(join(tmpdir(), 'qzsvggen-'));
+  try {
+    const document = join(out, 'page.svg');
+    execFileSync(tool, [...verb, recording, '-o', document], { stdio: ['ignore', 'ignore', 'inherit'] });
+    return readFileSync(document, 'utf8');
+  } finally {
+    rmSync(out, { recursive: true });
+  }
 }

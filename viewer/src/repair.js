@@ -124,11 +124,19 @@ function endOf(run, fontOf) {
   return Number(x.at(-1)) + widthOf(x.length > 1 ? content.slice(x.length - 1) : content, fontOf(run));
 }
 
-/** @param {Element} run @param {Element} next @param {(run: Element) => Font} fontOf */
-function isApart(run, next, fontOf) {
-  if (/\s$/.test(run.textContent ?? '') || /^\s/.test(next.textContent ?? '')) return false;
+/**
+ * A blank for runs that stand apart. It has a position of its own, or it would move what is written
+ * from right to left.
+ * @param {Element} run @param {Element} next @param {(run: Element) => Font} fontOf
+ */
+function blankBetween(run, next, fontOf) {
+  if (/\s$/.test(run.textContent ?? '') || /^\s/.test(next.textContent ?? '')) return [];
   const start = Number((next.firstElementChild ?? next).getAttribute('x')?.split(' ')[0]);
-  return Math.abs(start - endOf(run, fontOf)) > fontOf(run).size * 0.15;
+  const end = endOf(run, fontOf);
+  if (Math.abs(start - end) <= fontOf(run).size * 0.15) return [];
+  const blank = svg('tspan', { x: Math.round(end) });
+  blank.textContent = ' ';
+  return [blank];
 }
 
 /**
@@ -154,18 +162,18 @@ function joinRuns(parent, fontOf) {
     if (line.length < 2) continue;
     const text = svg('text', { y: y ?? 0, 'xml:space': 'preserve' });
     first.before(text);
-    const apart = line.map((run, i) => i + 1 < line.length && isApart(run, line[i + 1], fontOf));
+    const blanks = line.slice(1).map((run, i) => blankBetween(line[i], run, fontOf));
     text.append(...members);
-    line.forEach((run, i) => run.replaceWith(spanOf(run, apart[i] ? ' ' : '')));
+    line.forEach((run, i) => run.replaceWith(spanOf(run), ...blanks[i] ?? []));
     first = text;
   }
 }
 
-/** @param {Element} run @param {string} end */
-function spanOf(run, end) {
+/** @param {Element} run */
+function spanOf(run) {
   const span = svg('tspan');
   for (const { name, value } of run.attributes) if (name !== 'xml:space' && name !== 'y') span.setAttribute(name, value);
-  span.append(...run.childNodes, end);
+  span.append(...run.childNodes);
   return span;
 }
 

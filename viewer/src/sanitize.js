@@ -28,7 +28,7 @@ const ATTRIBUTES = new Set(
   patternContentUnits patternTransform patternUnits points position preserveAlpha preserveAspectRatio
   primitiveUnits purpose radius refX refY requiredExtensions result rotate scale seed side slope spacing
   specularConstant specularExponent spreadMethod startOffset stdDeviation stitchTiles surfaceScale
-  systemLanguage tableValues targetX targetY type values viewBox x1 x2 xChannelSelector xlink:href
+  systemLanguage tableValues targetX targetY textLength type values viewBox x1 x2 xChannelSelector xlink:href
   xml:lang xml:space y1 y2 yChannelSelector z`.split(/\s+/));
 const FUNCTIONS = new Set(
   `rgb rgba hsl hsla hwb lab lch oklab oklch color calc min max clamp matrix translate translateX

@@ -35,6 +35,7 @@ svg { position: absolute; inset: 0; width: 100%; height: 100%; overflow: hidden;
   font: 16px serif; }
 [role=group]:focus-visible, section:focus { outline: none; }
 g:focus-visible { outline: 2px solid #06c; }
+tspan { unicode-bidi: isolate; }
 .value { display: none; }
 .layer { position: absolute; inset: 0; pointer-events: none; }
 .target { position: absolute; width: 1px; height: 1px; outline: none; }
