@@ -122,7 +122,7 @@ inBrowsers('9 pages look as they do raw', async browser => {
     const share = await onPixels(browser, [shown, raw], (a, b) => {
       let different = 0;
       for (let i = 0; i < a.data.length; i += 4)
-        if (Math.max(...[0, 1, 2].map(channel => Math.abs(a.data[i + channel] - b.data[i + channel]))) > 64) ++different;
+        if (Math.max(...[0, 1, 2].map(channel => Math.abs(a.data[i + channel] - b.data[i + channel]))) > 85) ++different;
       return different / (a.data.length / 4);
     });
     if (process.env.VERBOSE) console.log(name, share);
