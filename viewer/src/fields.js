@@ -21,14 +21,15 @@ import { measure, widthOf } from './text.js';
 
 const OFF = /^(?:|0|off|no|false)$/i;
 
+/** Whether a field has a value of which the page shows nothing: then it is not for the reader. @param {Field} field */
+export const isHidden = ({ data, drawn }) => !drawn && !OFF.test(data);
+
 /**
- * The guess of what a field means, from its data and what is drawn in it. Null for a field that has
- * a value of which the page shows nothing: then it is not for the reader.
+ * The guess of what a field means, from its data and what is drawn in it.
  * @param {Field} field
- * @returns {Interpretation | null}
+ * @returns {Interpretation}
  */
-export function guess({ type, data, text, drawn }) {
-  if (!drawn && !OFF.test(data)) return null;
+export function guess({ type, data, text }) {
   switch (type) {
     case 'FT_CHECKBOX': return { checked: !OFF.test(data), value: OFF.test(data) || data === '1' ? 'on' : data };
     case 'FT_COMBOBOX': return { value: text, choices: [...new Set(data.replace(/\t$/, '').split('\t'))] };

@@ -1,5 +1,5 @@
 // The element: it loads pages, shows them, and keeps what is typed into them.
-import { Control, Fields, guess, wordsBeside, wordsOf } from './fields.js';
+import { Control, Fields, guess, isHidden, wordsBeside, wordsOf } from './fields.js';
 import { PageError, parsePage, readPage } from './read.js';
 import { repair, stretchesCharacters, svg } from './repair.js';
 import { Scope, limitInstances, sanitize, sanitizePictures } from './sanitize.js';
@@ -324,12 +324,12 @@ export class VelumarkViewer extends HTMLElement {
   #addControls(fields, drawing, layer, fontOf, { width, height }) {
     const words = fields.size ? wordsOf(drawing, fontOf) : [];
     for (const [group, field] of fields) {
-      const known = field.type && this.interpretation(field);
-      const meaning = known === undefined ? guess(field) : known && { ...guess(field), ...known };
-      if (!meaning) {
+      const known = this.interpretation(field);
+      if (!field.type || known === null || (!known && isHidden(field))) {
         nameGroup(group, field.name || 'Field');
         continue;
       }
+      const meaning = { ...guess(field), ...known };
       const control = new Control(field, meaning, group, fontOf);
       const { input } = control;
       const label = meaning.label ?? wordsBeside(field, words);
@@ -378,7 +378,8 @@ export class VelumarkViewer extends HTMLElement {
       mark.style.top = `${100 * target.y / page.height}%`;
       // A browser that skips a page's content scrolls to nothing inside it.
       page.element.style.contentVisibility = 'visible';
-      page.element.querySelector('.layer')?.append(mark);
+      const next = this.#fields.controls.find(({ field }) => field.page === page.number && field.bounds.bottom > target.y);
+      page.element.lastElementChild?.insertBefore(mark, next?.input ?? null);
       mark.scrollIntoView({ block: 'start' });
       mark.focus({ preventScroll: true });
       mark.addEventListener('blur', () => mark.remove());
