@@ -218,17 +218,22 @@ export function sanitize(root, scope) {
 /** @param {Element} parent @param {Scope} scope */
 function cleanChildren(parent, scope) {
   let next;
-  for (let element = parent.firstElementChild; element; element = next) {
-    next = element.nextElementSibling;
-    const allowed = ELEMENTS.has(element.localName) || (element.localName === 'velumark:target' && !scope.picture);
-    if (!allowed || element.namespaceURI !== SVG) {
-      element.remove();
+  for (let node = parent.firstChild; node; node = next) {
+    next = node.nextSibling;
+    if (node instanceof Text) continue;
+    if (!(node instanceof Element) || !isElementAllowed(node, scope)) {
+      node.remove();
       continue;
     }
-    cleanAttributes(element, scope);
-    if (scope.styled) element.classList.add(scope.prefix);
-    cleanChildren(element, scope);
+    cleanAttributes(node, scope);
+    if (scope.styled) node.classList.add(scope.prefix);
+    cleanChildren(node, scope);
   }
+}
+
+/** @param {Element} element @param {Scope} scope */
+function isElementAllowed({ localName, namespaceURI }, scope) {
+  return namespaceURI === SVG && (ELEMENTS.has(localName) || (localName === 'velumark:target' && !scope.picture));
 }
 
 /**
@@ -252,36 +257,40 @@ export function sanitizePictures(root, page) {
   return scopes;
 }
 
-const MOST_INSTANCES = 200_000;
+const MOST_REFERENCES = 5_000;
+
+/** @param {Element} use */
+const addressOf = use => (use.getAttribute('href') ?? use.getAttribute('xlink:href') ?? '').slice(1);
 
 /**
- * Takes away each `use` with which a part of the page would become more elements than can be shown:
- * ten levels of ten references each are a page of ten billion.
- * @param {Element} root
+ * Takes away each `use` by which a page would come to refer to more than can be shown: twelve levels
+ * of ten references each are a trillion elements.
+ * @param {Element} page
  */
-export function limitInstances(root) {
-  const targets = new Map();
-  for (const element of root.querySelectorAll('[id]'))
-    if (!targets.has(element.id)) targets.set(element.id, element);
+export function limitReferences(page) {
+  const targets = new Map([...page.querySelectorAll('[id]')].reverse().map(element => [element.id, element]));
   /** @type {Map<Element, number>} */
   const counts = new Map();
-  /** @param {Element} element @returns {number} */
+  let left = MOST_REFERENCES;
+  /** How many references an element stands for. @param {Element | undefined} element @returns {number} */
   const count = element => {
+    if (!element) return 0;
     let result = counts.get(element);
     if (result !== undefined) return result;
     counts.set(element, Infinity);  // met again, it contains itself
-    result = 1;
-    for (const child of [...element.children]) {
-      const more = count(child);
-      if (child.localName === 'use' && result + more > MOST_INSTANCES) child.remove();
+    result = 0;
+    for (const use of element.querySelectorAll('use')) {
+      const more = 1 + count(targets.get(addressOf(use)));
+      if (result + more > MOST_REFERENCES) use.remove();
       else result += more;
-    }
-    if (element.localName === 'use') {
-      const target = targets.get((element.getAttribute('href') ?? element.getAttribute('xlink:href') ?? '').slice(1));
-      if (target) result += count(target);
     }
     counts.set(element, result);
     return result;
   };
-  count(root);
+  for (const use of page.querySelectorAll('use')) {
+    if (use.closest('defs')) continue;
+    const more = count(targets.get(addressOf(use)));
+    if (more > left) use.remove();
+    else left -= more;
+  }
 }

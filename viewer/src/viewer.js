@@ -2,7 +2,7 @@
 import { Control, Fields, guess, isHidden, wordsBeside, wordsOf } from './fields.js';
 import { PageError, parsePage, readPage } from './read.js';
 import { repair, stretchesCharacters, svg } from './repair.js';
-import { Scope, limitInstances, sanitize, sanitizePictures } from './sanitize.js';
+import { Scope, limitReferences, sanitize, sanitizePictures } from './sanitize.js';
 import { activateLink, nameGroup, readSemantics } from './semantics.js';
 import { selectedText } from './text.js';
 
@@ -268,7 +268,7 @@ export class VelumarkViewer extends HTMLElement {
     sanitize(page, scope);
     const pictures = parsed.pictures ? sanitizePictures(parsed.pictures, scope) : [];
     if (parsed.pictures) page.querySelector('defs')?.append(...parsed.pictures.children);
-    limitInstances(page);
+    limitReferences(page);
 
     const section = document.createElement('section');
     nameGroup(section, `Page ${number}`);

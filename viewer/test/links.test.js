@@ -62,7 +62,7 @@ inBrowsers('18 a signature is named, told of, and never called valid', async bro
   await group.evaluate(each => each.focus());
   for (const key of ['Enter', ' ', 'x']) await browser.keyboard.press(key);
   const expected = { page: 1, name: 'Payer', info: 'Name=Ada; Reason=Agreed', bounds: { left: 100, top: 100, right: 500, bottom: 300 } };
-  assert.deepEqual(await browser.evaluate(() => signatures), [expected, expected, expected]);
+  assert.deepEqual(JSON.parse(await browser.evaluate(() => JSON.stringify(signatures))), [expected, expected, expected]);
   assert.deepEqual(await browser.evaluate(() => viewer.pages[0].signatures), [expected]);
   assert.doesNotMatch(await browser.evaluate(() => root.querySelector('section').outerHTML), /valid/i);
 });
