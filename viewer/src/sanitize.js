@@ -65,15 +65,20 @@ function isAllowed(name) {
  * Where names and rules hold: the page, or one picture of it.
  */
 export class Scope {
-  /** @param {string} prefix @param {boolean} picture */
-  constructor(prefix, picture = false) {
+  /**
+   * @param {string} prefix
+   * @param {Map<string, string>} [fonts] of a page: the classes of all pages' fonts. New rules make a
+   *   browser look at all pages again, so that fonts which come again must not bring any.
+   */
+  constructor(prefix, fonts) {
     this.prefix = prefix;
-    this.picture = picture;
+    this.picture = !fonts;
+    this.fontClasses = fonts ?? new Map();
     /** @type {string[]} rules for the shadow root */
     this.rules = [];
     /** @type {{family: string, source: string, descriptors: Record<string, string>}[]} */
     this.fonts = [];
-    /** @type {Map<string, Font>} what the page's classes mean */
+    /** @type {Map<string, Font & {name: string}>} what the page's classes mean */
     this.classes = new Map();
     /** @type {Set<string>} families that a picture brings with it */
     this.families = new Set();
@@ -151,11 +156,21 @@ export class Scope {
   }
 
   /** @param {CSSStyleRule} rule */
-  addFontClass({ selectorText, style }) {
-    const name = this.prefix + selectorText.slice(1);
-    if (!style.font) return;
-    this.rules.push(`.${name}{font:${style.font}}`);
-    this.classes.set(name, { css: style.font, size: parseFloat(style.fontSize) });
+  addFontClass({ selectorText, style: { font, fontSize } }) {
+    if (!font) return;
+    let name = this.fontClasses.get(font);
+    if (!name) {
+      name = `font${this.fontClasses.size}`;
+      this.fontClasses.set(font, name);
+      this.rules.push(`.${name}{font:${font}}`);
+    }
+    this.classes.set(selectorText.slice(1), { name, css: font, size: parseFloat(fontSize) });
+  }
+
+  /** @param {string} value */
+  classNames(value) {
+    const names = value.trim().split(/\s+/);
+    return names.map(name => this.picture ? this.prefix + name : this.classes.get(name)?.name ?? '').join(' ').trim();
   }
 
   /** Takes over a style sheet: of a page its fonts, of a picture all that it may say. @param {string} text */
@@ -188,7 +203,7 @@ function cleanAttributes(element, scope) {
       continue;
     }
     if (name === 'id') kept = scope.prefix + value;
-    else if (name === 'class') kept = value.trim().split(/\s+/).map(each => scope.prefix + each).join(' ');
+    else if (name === 'class') kept = scope.classNames(value);
     else if (name.startsWith('velumark:')) kept = scope.picture ? null : value;
     else if (name === 'href' || name === 'xlink:href') kept = reference(element, value, scope);
     else if (kept !== null) kept = scope.property(name, value);
@@ -245,7 +260,7 @@ export function sanitizePictures(root, page) {
   const scopes = [];
   for (const element of [...root.children]) {
     const picture = /^QZ_G\d+$/.test(element.id);
-    const scope = picture ? new Scope(`${page.prefix}${element.id}_`, true) : page;
+    const scope = picture ? new Scope(`${page.prefix}${element.id}_`) : page;
     if (!picture && !/^QZ_S\d+$/.test(element.id)) {
       element.remove();  // what broke out of a picture
       continue;

@@ -29,8 +29,8 @@ import { selectedText } from './text.js';
 const STYLE = `
 :host { display: block; overflow: auto; scrollbar-gutter: stable; background: #e6e6e6; color: #000; }
 :host([hidden]) { display: none; }
-section { position: relative; margin: 0 auto 12px; background: #fff; content-visibility: auto; }
-section:last-of-type { margin-bottom: 0; }
+section { position: relative; margin: 0 auto; background: #fff; content-visibility: auto; }
+section + section { margin-top: 12px; }
 svg { position: absolute; inset: 0; width: 100%; height: 100%; overflow: hidden; isolation: isolate;
   font: 16px serif; }
 [role=group]:focus-visible, section:focus { outline: none; }
@@ -47,15 +47,18 @@ input:focus-visible, select:focus-visible, textarea:focus-visible { outline: 2px
 option { color: initial; font: 16px sans-serif; }
 @media print {
   :host { overflow: visible; background: none; }
-  section { content-visibility: visible; margin: 0 auto; break-inside: avoid;
+  section { content-visibility: visible; break-inside: avoid;
     width: min(100%, (100vh - var(--above, 0px)) * var(--ratio)) !important; }
-  section + section { break-before: page; }
+  section + section { break-before: page; margin-top: 0; }
   .layer { display: none; }
   .value:not(.stale) { display: inline; }
 }`;
 
 const style = new CSSStyleSheet();
 style.replaceSync(STYLE);
+
+/** What text without a font is shown in. */
+const NO_FONT = { css: '16px serif', size: 16 };
 
 let pagesMade = 0;
 
@@ -91,6 +94,8 @@ export class VelumarkViewer extends HTMLElement {
   #signatures = new Map();
   /** @type {FontFace[]} */
   #fonts = [];
+  /** @type {Map<string, string>} */
+  #fontClasses = new Map();
   #disabled = false;
   #run = 0;
   #observer = new ResizeObserver(() => this.#layOut());
@@ -130,7 +135,7 @@ export class VelumarkViewer extends HTMLElement {
   /** The first page shares its sheet with the margin of the document around. */
   #beforePrint = () => {
     const above = this.getBoundingClientRect().top + scrollY;
-    this.#pages[0]?.element.style.setProperty('--above', `${above < 50 ? above : 0}px`);
+    this.#pages[0]?.element.style.setProperty('--above', `${above < 20 ? above : 0}px`);
   };
 
   /** @param {string} name @param {string | null} _ @param {string | null} value */
@@ -256,7 +261,7 @@ export class VelumarkViewer extends HTMLElement {
     for (const font of this.#fonts) document.fonts.delete(font);
     this.#fonts = [];
     this.#pages = [];
-    for (const map of [this.#fields, this.#links, this.#signatures]) map.clear();
+    for (const map of [this.#fields, this.#fontClasses, this.#links, this.#signatures]) map.clear();
     this.scrollTop = 0;
   }
 
@@ -264,7 +269,7 @@ export class VelumarkViewer extends HTMLElement {
   #add({ text, width, height }, number) {
     const parsed = parsePage(text);
     const { page } = parsed;
-    const scope = new Scope(`p${++pagesMade}_`);
+    const scope = new Scope(`p${++pagesMade}_`, this.#fontClasses);
     sanitize(page, scope);
     const pictures = parsed.pictures ? sanitizePictures(parsed.pictures, scope) : [];
     if (parsed.pictures) page.querySelector('defs')?.append(...parsed.pictures.children);
@@ -276,8 +281,9 @@ export class VelumarkViewer extends HTMLElement {
     const layer = document.createElement('div');
     layer.className = 'layer';
     const drawing = /** @type {SVGSVGElement} */ (svg('svg', { viewBox: `0 0 ${width} ${height}` }));
+    const fonts = new Map([...scope.classes.values()].map(font => [font.name, font]));
     /** @param {Element} run */
-    const fontOf = run => scope.classes.get(run.closest('[class]')?.getAttribute('class')?.split(' ')[0] ?? '') ?? { css: '16px serif', size: 16 };
+    const fontOf = run => fonts.get(run.closest('[class]')?.classList[0] ?? '') ?? NO_FONT;
     this.#probed ??= stretchesCharacters(this.#root);
     repair(page, scope.prefix, fontOf, this.#probed);
     drawing.append(svg('rect', { width, height, fill: 'white' }), ...page.childNodes);
@@ -308,9 +314,12 @@ export class VelumarkViewer extends HTMLElement {
 
   /** @param {Scope[]} scopes */
   #adoptRules(scopes) {
-    const sheet = new CSSStyleSheet();
-    sheet.replaceSync(scopes.flatMap(({ rules }) => rules).join('\n'));
-    if (sheet.cssRules.length) this.#root.adoptedStyleSheets.push(sheet);
+    const rules = scopes.flatMap(({ rules }) => rules).join('');
+    if (rules) {
+      const sheet = new CSSStyleSheet();
+      sheet.replaceSync(rules);
+      this.#root.adoptedStyleSheets.push(sheet);
+    }
     for (const { family, source, descriptors } of scopes.flatMap(({ fonts }) => fonts)) {
       const font = new FontFace(family, `url("${source}")`, descriptors);
       document.fonts.add(font);

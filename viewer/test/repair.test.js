@@ -125,7 +125,6 @@ inBrowsers('9 pages look as they do raw', async browser => {
         if (Math.max(...[0, 1, 2].map(channel => Math.abs(a.data[i + channel] - b.data[i + channel]))) > 85) ++different;
       return different / (a.data.length / 4);
     });
-    if (process.env.VERBOSE) console.log(name, share);
     assert.ok(share <= 0.002, `${name}: ${share}`);
   }
 });
