@@ -1,6 +1,7 @@
 // Fields as real controls: what a field means, where its control stands, and the value it shares
 // with others of its name.
 import { svg } from './repair.js';
+import { nameGroup } from './semantics.js';
 import { measure, widthOf } from './text.js';
 
 /**
@@ -22,14 +23,14 @@ import { measure, widthOf } from './text.js';
 const OFF = /^(?:|0|off|no|false)$/i;
 
 /** Whether a field has a value of which the page shows nothing: then it is not for the reader. @param {Field} field */
-export const isHidden = ({ data, drawn }) => !drawn && !OFF.test(data);
+const isHidden = ({ data, drawn }) => !drawn && !OFF.test(data);
 
 /**
  * The guess of what a field means, from its data and what is drawn in it.
  * @param {Field} field
  * @returns {Interpretation}
  */
-export function guess({ type, data, text }) {
+function guess({ type, data, text }) {
   switch (type) {
     case 'FT_CHECKBOX': return { checked: !OFF.test(data), value: OFF.test(data) || data === '1' ? 'on' : data };
     case 'FT_COMBOBOX': return { value: text, choices: [...new Set(data.replace(/\t$/, '').split('\t'))] };
@@ -81,7 +82,7 @@ function addCalendar(input, pattern) {
 // ---- A control ----
 
 /** One field's control and what is drawn for it. */
-export class Control {
+class Control {
   /** @param {Field} field @param {Interpretation} meaning @param {Element} group @param {(run: Element) => Font} fontOf */
   constructor(field, meaning, group, fontOf) {
     this.field = field;
@@ -174,8 +175,8 @@ export class Control {
       return;
     }
     const shown = String(value);
-    if (input.type === 'date') input.value = parseDate(shown, this.pattern);
-    else if (input.value !== shown) input.value = shown;
+    const own = input.type === 'date' ? parseDate(shown, this.pattern) : shown;
+    if (input.value !== own) input.value = own;  // a date that is half typed stays
     this.#print(shown);
   }
 
@@ -220,7 +221,7 @@ const units = count => `calc(${count} * var(--unit))`;
  * A label further away might be another field's, and a wrong one is worse than none.
  * @param {Field} field @param {Words[]} words in reading order
  */
-export function wordsBeside({ type, bounds: { left, top, right, bottom } }, words) {
+function wordsBeside({ type, bounds: { left, top, right, bottom } }, words) {
   const near = bottom - top;
   const line = words.filter(({ y }) => y > top && y < bottom + 0.2 * near).sort((a, b) => a.x - b.x);
   /** @param {Words[]} ordered @param {(a: Words) => number} distance @param {(a: Words, b: Words) => number} gap */
@@ -236,7 +237,7 @@ export function wordsBeside({ type, bounds: { left, top, right, bottom } }, word
 }
 
 /** The runs of a page that lie outside fields. @param {Element} page @param {(run: Element) => Font} fontOf @returns {Words[]} */
-export function wordsOf(page, fontOf) {
+function wordsOf(page, fontOf) {
   return [...page.querySelectorAll('text')]
     .filter(text => !text.closest('g[velumark\\:purpose],defs'))
     .flatMap(text => [...text.querySelectorAll('tspan[class]')].length ? [...text.querySelectorAll('tspan[class]')] : [text])
@@ -286,10 +287,39 @@ export class Fields {
     return [...this.#entries.values()].filter(({ name }) => name);
   }
 
+  /**
+   * Puts the controls of a page into the layer above its drawing.
+   * @param {Map<Element, Field>} fields by group
+   * @param {Element} drawing @param {Element} layer
+   * @param {{width: number, height: number}} size of the page
+   * @param {(run: Element) => Font} fontOf
+   * @param {(field: Field) => Interpretation | null | undefined} interpretation
+   */
+  addPage(fields, drawing, layer, { width, height }, fontOf, interpretation) {
+    const words = fields.size ? wordsOf(drawing, fontOf) : [];
+    for (const [group, field] of fields) {
+      const known = interpretation(field);
+      if (!field.type || known === null || (!known && isHidden(field))) {
+        nameGroup(group, field.name || 'Field');
+        continue;
+      }
+      const control = new Control(field, { ...guess(field), ...known }, group, fontOf);
+      const { input } = control;
+      const label = control.meaning.label ?? wordsBeside(field, words);
+      input.setAttribute('aria-label', [...new Set([label, field.name])].filter(Boolean).join(', ') || 'Field');
+      input.id = `field${this.#inputs.size}`;
+      group.setAttribute('aria-owns', input.id);
+      const { left, top, right, bottom } = field.bounds;
+      const box = { left: left / width, top: top / height, width: (right - left) / width, height: (bottom - top) / height };
+      for (const [name, part] of Object.entries(box)) input.style.setProperty(name, `${100 * part}%`);
+      layer.append(input);
+      this.#add(control);
+    }
+  }
+
   /** @param {Control} control */
-  add(control) {
+  #add(control) {
     const { field: { name }, meaning, input, checkable } = control;
-    input.id = `field${this.#inputs.size}`;
     const key = name ? `${checkable} ${name}` : input.id;
     let entry = this.#entries.get(key);
     if (!entry) {
@@ -337,6 +367,6 @@ export class Fields {
   }
 
   get firstInvalid() {
-    return [...this.#inputs.keys()].map(input => /** @type {Input} */ (input)).find(input => !input.checkValidity());
+    return [...this.#inputs.keys()].map(input => /** @type {Input} */ (input)).find(input => input.willValidate && !input.validity.valid);
   }
 }

@@ -1,9 +1,10 @@
 // The element: it loads pages, shows them, and keeps what is typed into them.
-import { Control, Fields, guess, isHidden, wordsBeside, wordsOf } from './fields.js';
+import { Fields } from './fields.js';
 import { PageError, parsePage, readPage } from './read.js';
 import { repair, stretchesCharacters, svg } from './repair.js';
 import { Scope, limitReferences, sanitize, sanitizePictures } from './sanitize.js';
 import { activateLink, nameGroup, readSemantics } from './semantics.js';
+import { style } from './style.js';
 import { selectedText } from './text.js';
 
 /**
@@ -26,37 +27,6 @@ import { selectedText } from './text.js';
  * @property {Signature[]} signatures
  */
 
-const STYLE = `
-:host { display: block; overflow: auto; scrollbar-gutter: stable; background: #e6e6e6; color: #000; }
-:host([hidden]) { display: none; }
-section { position: relative; margin: 0 auto; background: #fff; content-visibility: auto; }
-section + section { margin-top: 12px; }
-svg { position: absolute; inset: 0; width: 100%; height: 100%; overflow: hidden; isolation: isolate;
-  font: 16px serif; }
-[role=group]:focus-visible, section:focus { outline: none; }
-g:focus-visible { outline: 2px solid #06c; }
-tspan { unicode-bidi: isolate; }
-.value { display: none; }
-.layer { position: absolute; inset: 0; pointer-events: none; }
-.target { position: absolute; width: 1px; height: 1px; outline: none; }
-input, select, textarea { position: absolute; box-sizing: border-box; margin: 0; padding: 0; border: 0;
-  min-width: 0; min-height: 0; border-radius: 0; background: transparent; appearance: none; resize: none;
-  overflow: hidden; pointer-events: auto; text-overflow: clip; opacity: 1; }
-input:is(:hover, :focus), select:is(:hover, :focus), textarea:is(:hover, :focus) { background: rgb(0 102 204 / .08); }
-input:focus-visible, select:focus-visible, textarea:focus-visible { outline: 2px solid #06c; outline-offset: 1px; }
-option { color: initial; font: 16px sans-serif; }
-@media print {
-  :host { overflow: visible; background: none; }
-  section { content-visibility: visible; break-inside: avoid;
-    width: min(100%, (100vh - var(--above, 0px)) * var(--ratio)) !important; }
-  section + section { break-before: page; margin-top: 0; }
-  .layer { display: none; }
-  .value:not(.stale) { display: inline; }
-}`;
-
-const style = new CSSStyleSheet();
-style.replaceSync(STYLE);
-
 /** What text without a font is shown in. */
 const NO_FONT = { css: '16px serif', size: 16 };
 
@@ -68,6 +38,25 @@ const nextTask = () => new Promise(resolve => {
   port1.onmessage = resolve;
   port2.postMessage(null);
 });
+
+/** @param {Source} source @param {number} index */
+function readNumbered(source, index) {
+  try {
+    return readPage(source);
+  } catch (error) {
+    throw error instanceof PageError ? new PageError(`Page ${index + 1}: ${error.message}`) : error;
+  }
+}
+
+/** @param {string} address @param {number} index */
+function load(address, index) {
+  const page = fetch(address).catch(() => null).then(async response => {
+    if (!response?.ok) throw new PageError(`Page ${index + 1}: ${address} cannot be loaded.`);
+    return readNumbered(await response.arrayBuffer(), index);
+  });
+  page.catch(() => {});  // is reported at its turn
+  return page;
+}
 
 /**
  * Shows pages and makes them live.
@@ -140,7 +129,7 @@ export class VelumarkViewer extends HTMLElement {
 
   /** @param {string} name @param {string | null} _ @param {string | null} value */
   attributeChangedCallback(name, _, value) {
-    if (name === 'src') this.#load((value ?? '').split(/\s+/).filter(Boolean));
+    if (name === 'src') this.#showAll(() => (value ?? '').split(/\s+/).filter(Boolean).map(load));
     else if (name === 'readonly') this.#lock();
     else this.#layOut();
   }
@@ -156,9 +145,9 @@ export class VelumarkViewer extends HTMLElement {
     this.#submit();
   }
 
-  /** @param {FormData} state */
+  /** @param {string} state */
   formStateRestoreCallback(state) {
-    this.values = Object.fromEntries(/** @type {any} */ (state));
+    this.values = JSON.parse(state);
   }
 
   /** The pages that are shown, with all that they say beyond their drawing. */
@@ -201,58 +190,29 @@ export class VelumarkViewer extends HTMLElement {
    * @param {Source[]} sources
    * @returns {Promise<void>} when all are shown
    */
-  async show(sources) {
+  show(sources) {
+    return this.#showAll(() => sources.map(readNumbered));
+  }
+
+  /** @param {() => (PageText | Promise<PageText>)[]} read */
+  async #showAll(read) {
     const run = ++this.#run;
     try {
-      await this.#showAll(sources.map((source, i) => this.#read(source, i)), run);
+      const pages = read();
+      if (!pages.length) this.#clear();
+      for (const [i, coming] of pages.entries()) {
+        const page = await coming;
+        if (run !== this.#run) return;
+        if (i === 0) this.#clear();
+        this.#add(page, i + 1);
+        await nextTask();
+        if (run !== this.#run) return;
+      }
+      this.dispatchEvent(new Event('load'));
     } catch (error) {
-      this.#fail(error, run);
+      if (!(error instanceof PageError)) throw error;
+      if (run === this.#run) this.dispatchEvent(new ErrorEvent('error', { message: error.message, error }));
     }
-  }
-
-  /** @param {Source} source @param {number} index */
-  #read(source, index) {
-    try {
-      return readPage(source);
-    } catch (error) {
-      throw error instanceof PageError ? new PageError(`Page ${index + 1}: ${error.message}`) : error;
-    }
-  }
-
-  /** @param {string[]} addresses */
-  async #load(addresses) {
-    const run = ++this.#run;
-    const pages = addresses.map(async (address, i) => {
-      const response = await fetch(new URL(address, document.baseURI)).catch(() => null);
-      if (!response?.ok) throw new PageError(`Page ${i + 1}: ${address} cannot be loaded.`);
-      return this.#read(await response.arrayBuffer(), i);
-    });
-    for (const page of pages) page.catch(() => {});  // each is reported at its turn
-    try {
-      await this.#showAll(pages, run);
-    } catch (error) {
-      this.#fail(error, run);
-    }
-  }
-
-  /** @param {unknown} error @param {number} run */
-  #fail(error, run) {
-    if (!(error instanceof PageError)) throw error;
-    if (run === this.#run) this.dispatchEvent(new ErrorEvent('error', { message: error.message, error }));
-  }
-
-  /** @param {(PageText | Promise<PageText>)[]} pages @param {number} run */
-  async #showAll(pages, run) {
-    for (const [i, coming] of pages.entries()) {
-      const page = await coming;
-      if (run !== this.#run) return;
-      if (i === 0) this.#clear();
-      this.#add(page, i + 1);
-      await nextTask();
-      if (run !== this.#run) return;
-    }
-    if (!pages.length) this.#clear();
-    this.dispatchEvent(new Event('load'));
   }
 
   #clear() {
@@ -301,7 +261,7 @@ export class VelumarkViewer extends HTMLElement {
       nameGroup(group, ['Signature', signature.name, signature.info].filter(Boolean).join(', '));
       group.setAttribute('tabindex', '0');
     }
-    this.#addControls(found.fields, drawing, layer, fontOf, shown);
+    this.#fields.addPage(found.fields, drawing, layer, shown, fontOf, this.interpretation);
     section.append(drawing, layer);
     this.#size(shown);
     this.#root.append(section);
@@ -329,32 +289,9 @@ export class VelumarkViewer extends HTMLElement {
 
   // ---- Fields ----
 
-  /** @param {Map<Element, Field>} fields @param {Element} drawing @param {HTMLElement} layer @param {(run: Element) => Font} fontOf @param {Page} page */
-  #addControls(fields, drawing, layer, fontOf, { width, height }) {
-    const words = fields.size ? wordsOf(drawing, fontOf) : [];
-    for (const [group, field] of fields) {
-      const known = this.interpretation(field);
-      if (!field.type || known === null || (!known && isHidden(field))) {
-        nameGroup(group, field.name || 'Field');
-        continue;
-      }
-      const meaning = { ...guess(field), ...known };
-      const control = new Control(field, meaning, group, fontOf);
-      const { input } = control;
-      const label = meaning.label ?? wordsBeside(field, words);
-      input.setAttribute('aria-label', [...new Set([label, field.name])].filter(Boolean).join(', ') || 'Field');
-      const { left, top, right, bottom } = field.bounds;
-      const box = { left: left / width, top: top / height, width: (right - left) / width, height: (bottom - top) / height };
-      for (const [name, part] of Object.entries(box)) input.style.setProperty(name, `${100 * part}%`);
-      layer.append(input);
-      this.#fields.add(control);
-      group.setAttribute('aria-owns', input.id);
-    }
-  }
-
   /** Tells the form around what the fields hold and whether they may be sent. */
   #submit() {
-    this.#internals.setFormValue(this.#fields.data);
+    this.#internals.setFormValue(this.#fields.data, JSON.stringify(this.values));
     const invalid = this.#fields.firstInvalid;
     if (invalid) this.#internals.setValidity(invalid.validity, invalid.validationMessage, invalid);
     else this.#internals.setValidity({});

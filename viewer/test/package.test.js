@@ -33,7 +33,7 @@ test('the package has its licence, its README, and types that a user can rely on
 
 inBrowsers('the package shows a page', async browser => {
   const [, html] = /```html\n([^]*?)```/.exec(readFileSync(join(installed, 'README.md'), 'utf8'));
-  for (const name of ['fields', 'read', 'repair', 'sanitize', 'semantics', 'text', 'viewer'])
+  for (const name of ['fields', 'read', 'repair', 'sanitize', 'semantics', 'style', 'text', 'viewer'])
     files.set(`/node_modules/velumark-viewer/src/${name}.js`, { content: readFileSync(join(installed, `src/${name}.js`)) });
   files.set('/index.html', { content: html });
   files.set('/page-1.svg', { content: draw([text('First', 100, 100)]) });

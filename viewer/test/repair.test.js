@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { existsSync, readFileSync } from 'node:fs';
-import { draw, every, link, picture, rectangle, text } from './draw.js';
+import { TEXT, draw, every, field, link, picture, rectangle, text } from './draw.js';
 import { colours, inBrowsers, onPixels, open, samples } from './support.js';
 
 const fill = (...colour) => ['SetFill', 255, ...colour];
@@ -111,7 +111,14 @@ inBrowsers('8 the search of the browser finds words across runs', async browser 
 
 inBrowsers('9 pages look as they do raw', async browser => {
   const repaired = /QZ_V|textLength|[\ud800-\udfff]/;
-  for (const [name, document] of samples().filter(([, document]) => !repaired.test(document))) {
+  const mixed = draw([
+    ['BeginClippingRegion', [0, 0, 500, 500]], fill(0, 100, 200), rectangle(100, 100, 900, 300), ['EndClippingRegion'],
+    ['SetFill', 128, 255, 0, 0], ['SetStroke', 255, 0, 0, 0, 7], ['DrawPolygon', [[200, 200], [700, 250], [400, 700]]], ['ClearStroke'],
+    picture('<svg viewBox="0 0 9 9" fill="none" stroke="#080"><g transform="translate(1 1)"><path style="stroke-width:.5" d="M0 0c1 7 5-2 7 5z"/></g></svg>', [500, 500, 900, 900]),
+    fill(0, 0, 0), ['SetFont', 'Liberation Serif', 60, 1, 1], text('Mixed', 100, 800, every(30, 5)), text('on', 400, 800), ...link(1, 'https://example.org/', text('a line', 500, 800)),
+    ...field(TEXT, 'f', 'value', [100, 850, 400, 920], ['SetFont', 'Liberation Sans', 40, 0, 0], text('value', 110, 900)),
+  ]);
+  for (const [name, document] of [['mixed', mixed], ...samples()].filter(([, document]) => !repaired.test(document))) {
     await open(browser, [document], { head: '<style>body, main, fieldset {margin: 0; padding: 0; border: 0} #viewer, main {width: 800px; overflow: hidden; scrollbar-gutter: auto}</style>' });
     const shown = await browser.screenshot({ encoding: 'base64', clip: { x: 0, y: 0, width: 800, height: 1000 } });
     await browser.evaluate(document => {
