@@ -44,7 +44,7 @@ function partPairs(text) {
 
 /**
  * Whether this browser stretches each character of a scaled run to the length of the run. Measured
- * where the page is shown.
+ * where the page is shown; undefined where nothing is shown yet.
  * @param {Node} root
  */
 export function stretchesCharacters(root) {
@@ -53,9 +53,10 @@ export function stretchesCharacters(root) {
   text.textContent = 'nnnn';
   probe.append(text);
   root.appendChild(probe);
-  const { width } = /** @type {SVGTextContentElement} */ (text).getExtentOfChar(0);
+  const measured = /** @type {SVGTextContentElement} */ (text);
+  const stretched = measured.getNumberOfChars() ? measured.getExtentOfChar(0).width > 20 : undefined;
   probe.remove();
-  return width > 20;
+  return stretched;
 }
 
 /** @param {string} colour */
@@ -116,12 +117,12 @@ function runsOf(element) {
   return joinable ? runs : [];
 }
 
-/** @param {Element} run @param {(run: Element) => Font} fontOf */
-function endOf(run, fontOf) {
-  const last = run.lastElementChild ?? run;
-  const x = (last.getAttribute('x') ?? '0').split(' ');
-  const content = last.textContent ?? '';
-  return Number(x.at(-1)) + widthOf(x.length > 1 ? content.slice(x.length - 1) : content, fontOf(run));
+/** Where a run begins and ends, from left to right. @param {Element} run @param {(run: Element) => Font} fontOf */
+function extentOf(run, fontOf) {
+  const parts = run.children.length ? [...run.children] : [run];
+  const x = parts.flatMap(part => (part.getAttribute('x') ?? '0').split(' ').map(Number));
+  const content = run.textContent ?? '';
+  return [Math.min(...x), Math.max(...x) + widthOf(x.length > 1 ? content.slice(-1) : content, fontOf(run))];
 }
 
 /**
@@ -131,9 +132,9 @@ function endOf(run, fontOf) {
  */
 function blankBetween(run, next, fontOf) {
   if (/\s$/.test(run.textContent ?? '') || /^\s/.test(next.textContent ?? '')) return [];
-  const start = Number((next.firstElementChild ?? next).getAttribute('x')?.split(' ')[0]);
-  const end = endOf(run, fontOf);
-  if (Math.abs(start - end) <= fontOf(run).size * 0.15) return [];
+  const [start, end] = extentOf(run, fontOf);
+  const [nextStart, nextEnd] = extentOf(next, fontOf);
+  if (Math.max(nextStart - end, start - nextEnd) <= fontOf(run).size * 0.15) return [];
   const blank = svg('tspan', { x: Math.round(end) });
   blank.textContent = ' ';
   return [blank];

@@ -245,7 +245,7 @@ export class VelumarkViewer extends HTMLElement {
     /** @param {Element} run */
     const fontOf = run => fonts.get(run.closest('[class]')?.classList[0] ?? '') ?? NO_FONT;
     this.#probed ??= stretchesCharacters(this.#root);
-    repair(page, scope.prefix, fontOf, this.#probed);
+    repair(page, scope.prefix, fontOf, this.#probed ?? false);
     drawing.append(svg('rect', { width, height, fill: 'white' }), ...page.childNodes);
     const found = readSemantics(drawing, number);
     const shown = { number, width, height, element: section, fields: [...found.fields.values()],
@@ -339,7 +339,7 @@ export class VelumarkViewer extends HTMLElement {
     const target = /** @type {Element} */ (event.target);
     const signature = this.#signatures.get(target.closest('g[tabindex]') ?? target);
     if (signature) this.dispatchEvent(new CustomEvent('signature', { detail: signature }));
-    const link = this.#links.get(target.closest('a') ?? target);
+    const link = this.#links.get(target.closest('a[href]') ?? target);
     if (!link) return;
     const goes = this.dispatchEvent(new CustomEvent('link', { detail: link, cancelable: true }));
     if (!goes || link.type === 'internal') event.preventDefault();
@@ -359,6 +359,7 @@ export class VelumarkViewer extends HTMLElement {
   /** @param {ClipboardEvent} event */
   #copy(event) {
     const text = selectedText(this.#root, group => {
+      if (!group.hasAttribute('aria-owns')) return undefined;
       const control = this.#fields.controls.find(each => each.group === group && !each.checkable);
       return control && { text: String(control.read()), box: control.input.getBoundingClientRect(), page: group.closest('section') };
     });

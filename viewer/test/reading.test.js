@@ -40,6 +40,7 @@ inBrowsers('1 src names pages, and the latest counts', async browser => {
   for (const name of ['a', 'b', 'c']) files.set(`/${name}.svg`, { content: draw([text(name, 100, 100)]) });
   await open(browser);
   const shown = await browser.evaluate(async () => {
+    await document.createElement('velumark-viewer').show([await (await fetch('/a.svg')).text()]);  // before it is anywhere
     viewer.setAttribute('src', '/c.svg');
     await new Promise(done => {
       viewer.addEventListener('load', done);
