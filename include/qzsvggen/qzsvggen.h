@@ -39,31 +39,32 @@
  *                control characters included, pass through unchanged.
  *   Colours      Four bytes, alpha first (0 transparent, 255 opaque), then red, green, blue.
  *   Lifetime     Arguments are only read, only during the call and only as far as their counts
- *                say. The host may change or free them as soon as the call has returned.
+ *                say (but see the data of a date field). The host may change or free them as
+ *                soon as the call has returned.
  *   Threads      One thread at a time per generator. Generators share nothing, so any number of
  *                them may be used on different threads at once.
  *   Order        SVG_Create; then state, region and drawing calls in painting order; SVG_Close
  *                with a null buffer; SVG_Close with a buffer; SVG_Delete. A generator makes one
- *                page. After the first SVG_Close with a null buffer every function but SVG_Close
- *                and SVG_Delete does nothing: no region is current, none can be selected.
+ *                page. After the first SVG_Close that wrote a document every function but
+ *                SVG_Close and SVG_Delete does nothing: no region is current, none can be
+ *                selected.
  *   Results      Almost every function returns 0 whatever happens. Results that inform:
  *                SVG_Create, SVG_Close, SVG_GetVersion, SVG_GetCurrentClippingRegion and
  *                SVG_SetCurrentClippingRegion.
- *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0. Any
- *                other call has no effect then, but that a picture, a character or a character
- *                block may have part of its effect (a definition without a use, say). The page
- *                stays consistent and usable. No exception leaves the library.
- *   Undefined    A deleted handle, a null pointer where a value is read, a count that is larger
- *                than the array behind it. None of this is checked. A call that comes when it
- *                does nothing, after SVG_Close or outside a character block, say, reads nothing.
+ *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0.
+ * Any other call has no effect then, but that a picture, a character or a character block may have
+ * part of its effect (a definition without a use, say). The page stays consistent and usable. No
+ * exception leaves the library. Undefined    A deleted handle, a null pointer where a value is
+ * read, a count that is larger than the array behind it. None of this is checked. A call that comes
+ * when it does nothing, after SVG_Close or outside a character block, say, reads nothing.
  */
 #pragma once
 
 #include <stddef.h>
 #include <stdint.h>
 
-/* The release of this header, and as one number: major * 10000 + minor * 100 + patch. The version of
- * the interface itself is what SVG_GetVersion returns. */
+/* The release of this header, and as one number: major * 10000 + minor * 100 + patch. The version
+ * of the interface itself is what SVG_GetVersion returns. */
 #define QZSVGGEN_VERSION_MAJOR 1
 #define QZSVGGEN_VERSION_MINOR 0
 #define QZSVGGEN_VERSION_PATCH 0
@@ -179,8 +180,9 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_GetVersion(void) QZSVGGEN_NOEXCEPT;
  * left (see SVG_BeginInvertPainting and SVG_InvertPath). It takes the place of a document that was
  * not handed over yet.
  *
- * The document is one svg element without an XML declaration and without line breaks. Extension
- * attributes use the prefix velumark, namespace urn:velumark:svg:1, declared when one is used.
+ * The document is one svg element without an XML declaration and without line breaks of its own.
+ * Extension attributes and the target element use the prefix velumark, namespace
+ * urn:velumark:svg:1, declared when one is used.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_Close(SvgGenerator* generator, SVG_Char* buffer,
                                              int32_t size) QZSVGGEN_NOEXCEPT;
@@ -198,7 +200,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetFill(SvgGenerator* generator, uint8_t 
  * Sets the stroke of what is drawn from now on. Returns 0.
  *
  * width    in device units. With alpha 0 or width 0 nothing is stroked. Rectangles are moved right
- *          and down by half the width, rounded down, whatever the alpha.
+ *          and down, rounded ones inset, by half the width, rounded down, whatever the alpha.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetStroke(SvgGenerator* generator, uint8_t alpha,
                                                  uint8_t red, uint8_t green, uint8_t blue,
@@ -225,8 +227,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndInvertPainting(SvgGenerator* generator
  * Inverts the area of a path. The arguments are those of SVG_DrawPath. Returns 0.
  *
  * The path goes into a mask in the definitions, and the content ends with a use of "#content"
- * through that mask; no element of the document has that id, it is the consumer's to give. Filter,
- * mask and use also appear in every later document of the same generator.
+ * through that mask; no element that the library makes has that id, it is the consumer's to give.
+ * Filter, mask and use also appear in every later document of the same generator.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_InvertPath(SvgGenerator* generator, const POINT* points,
                                                   const uint8_t* types,
@@ -284,11 +286,12 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, cons
  *
  * points    `count` points
  * types     `count` bytes, one a point: PT_MOVETO, PT_LINETO, PT_BEZIERTO, the last two with
- *           PT_CLOSEFIGURE added where the figure closes. Each figure starts with a move; curve
- *           points come in threes. Other values are tolerated: 1 closes the figure, the rest write
- *           nothing, but what follows is measured from their points. After a curve point, until the
- *           next line or move, they count as one of its three.
- * count     0 draws a path without data
+ *           PT_CLOSEFIGURE added where the figure closes. Each figure starts with a move, which is
+ *           written relative to the move before: a further figure is in its place only if the one
+ *           before it was closed. Curve points come in threes. Other values are tolerated: 1 closes
+ * the figure, the rest write nothing, but what follows is measured from their points. After a curve
+ * point, until the next line or move, they count as one of its three. count     0 draws a path
+ * without data
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPath(SvgGenerator* generator, const POINT* points,
                                                 const uint8_t* types,
@@ -338,7 +341,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawText(SvgGenerator* generator, const S
  *
  * Outlines are the same when their geometry text is. Lines, polylines, polygons and rectangles are
  * compared relative to the character's position, paths as they are given. Rounded rectangles are
- * compared without their corners.
+ * compared without their corners. The kind of shape does not count: a polygon through the points of
+ * an earlier polyline is a use of that polyline.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_BeginCharacterBlock(SvgGenerator* generator)
     QZSVGGEN_NOEXCEPT;
@@ -363,7 +367,8 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_EndCharacter(SvgGenerator* generator) QZS
  * reference    index of the earlier character in this block, counted from 0 over all characters;
  *              one that is out of range, later, or without an outline of its own (a reference, too)
  *              adds nothing visible
- * position     where this character stands
+ * position     where this character stands. One at (0, 0) is displaced by the position of the
+ *              character whose outline it uses
  *
  * Shapes drawn next are the character's outline after all; the reference is forgotten then.
  */
@@ -389,8 +394,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCharacterReference(
  *
  * An SVG picture is UTF-8 or UTF-16 with a byte-order mark, or without one UTF-8 or little-endian
  * UTF-16 that begins with an ASCII character; white space must follow the "<svg" of its root
- * element. A picture in which no such root element and its end are found, because of other
- * encodings too, draws nothing.
+ * element. Any other picture draws nothing, UTF-16 big-endian without a mark for instance.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16_t format,
                                                  const RECT* bounds, const uint8_t* data,
@@ -419,7 +423,9 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_AddClippingRegion(SvgGenerator* generator
 /*
  * Cuts a rectangle out of the current region, or out of the page when no region is current (which
  * makes two regions: the page, then the page with the cut). Returns 0.
- * A rectangle that lies inside an earlier cut ends clipping: afterwards no region is current.
+ * A rectangle that lies inside an earlier cut ends clipping: afterwards no region is current. One
+ * around earlier cuts takes the place of each; around two of them it stands there twice and so cuts
+ * nothing. Where cuts overlap in part, the overlap shows again.
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL
 SVG_ExcludeClippingRegion(SvgGenerator* generator, const RECT* rectangle) QZSVGGEN_NOEXCEPT;
@@ -443,7 +449,7 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_SetCurrentClippingRegion(SvgGenerator* ge
  * nests. The three End functions are one: each closes whatever group is open, or does nothing.
  *
  * A group is clipped as a whole, by the region that is current when it begins; regions that become
- * current inside it do not clip its content.
+ * current inside it do not clip its content, though they are written.
  */
 
 /*

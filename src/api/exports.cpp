@@ -30,8 +30,8 @@ int32_t closeGroup(SvgGenerator* generator) noexcept {
   return record(generator, [](Page& page) { page.closeGroup(); });
 }
 
-// Writes the document and releases the page. A page that is released already gives the document of
-// an empty one.
+// Writes the document and releases the page. A generator without a page writes the document of an
+// empty one.
 int32_t writeDocument(SvgGenerator& generator) {
   const int32_t extraLength = generator.extraLength;
   generator.document = generator.page
@@ -192,7 +192,7 @@ int32_t QZSVGGEN_CALL SVG_DrawImage(SvgGenerator* generator, uint16_t format, co
                                     uint16_t quality) noexcept {
   if (length < 1) return 0;
   return record(generator, [=](Page& page) {
-    page.place(format, *bounds, data, static_cast<size_t>(length), quality);
+    page.drawPicture(format, *bounds, data, static_cast<size_t>(length), quality);
   });
 }
 

@@ -35,7 +35,8 @@ class HashIndex {
     return find(key, [](Number) { return true; });
   }
 
-  // For keys that do not tell everything: the first number of that key that `matches`.
+  // For keys that do not tell everything: the number of that key that `matches`, which at most one
+  // does.
   template <class Matches>
   std::optional<Number> find(uint64_t key, Matches matches) const {
     if (slots_.empty()) return std::nullopt;

@@ -28,6 +28,7 @@ RECT intersection(const RECT& a, const RECT& b) {
 void ClipPathData::restart() {
   text_.restart();
   recordCount_ = keptCount_ = rectangleCount_ = 0;
+  rewritten_ = false;
 }
 
 void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
@@ -50,7 +51,7 @@ void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
 
 // What is kept stands before all cuts, the cuts of the first kept rectangle before those of others.
 bool ClipPathData::canContinue(const ClipRegionRecord& next) const {
-  return next.isExcluded() ? keptCount_ == 1 : keptCount_ == recordCount_;
+  return !rewritten_ && (next.isExcluded() ? keptCount_ == 1 : keptCount_ == recordCount_);
 }
 
 void ClipPathData::rewrite(std::span<const ClipRegionRecord> records) {
@@ -62,7 +63,8 @@ void ClipPathData::rewrite(std::span<const ClipRegionRecord> records) {
     for (const ClipRegionRecord& cut : records)
       if (cut.isExcluded()) writeCut(kept.rect, cut.rect);
   }
-  recordCount_ = records.size();  // and no kept ones: nothing can go on from here
+  recordCount_ = records.size();
+  rewritten_ = true;
 }
 
 void ClipPathData::write(const RECT& rectangle) {

@@ -41,18 +41,14 @@ void ClipRegions::exclude(const RECT& rectangle, const RECT& page) {
   }
 }
 
-// A cut around one and inside another replaces the former.
+// The first hit decides: of two earlier cuts, none lies within the other.
 ClipRegions::Cut ClipRegions::compare(const RECT& cut) const {
-  Cut result = Cut::Apart;
   for (const auto& record : std::span(records_).subspan(stretch_.first, stretch_.count)) {
     if (!record.isExcluded()) continue;
-    if (contains(record.rect, cut)) {
-      if (result == Cut::Apart) result = Cut::InsideEarlier;
-    } else if (contains(cut, record.rect)) {
-      result = Cut::AroundEarlier;
-    }
+    if (contains(record.rect, cut)) return Cut::InsideEarlier;
+    if (contains(cut, record.rect)) return Cut::AroundEarlier;
   }
-  return result;
+  return Cut::Apart;
 }
 
 // Makes a region of the current one's records and a further one.
@@ -65,8 +61,7 @@ void ClipRegions::extendCurrent(const RECT& rectangle, ClipMode mode) {
     return;
   }
   const size_t first = records_.size();
-  for (size_t i = stretch_.first; i < stretch_.end(); ++i)
-    records_.push_back({records_[i].rect, records_[i].mode & ~ClipUsed});
+  copyRecords([](const ClipRegionRecord& record) { return record.rect; });
   records_.push_back({rectangle, mode});
   startSeries(first, 1);
 }
@@ -75,12 +70,19 @@ void ClipRegions::extendCurrent(const RECT& rectangle, ClipMode mode) {
 // by it.
 void ClipRegions::replaceCuts(const RECT& cut) {
   const size_t first = records_.size();
+  copyRecords([&cut](const ClipRegionRecord& record) {
+    return record.isExcluded() && contains(cut, record.rect) ? cut : record.rect;
+  });
+  startSeries(first, 1);
+}
+
+// Copies the current region's records, with their rectangles as `change` gives them.
+template <class Change>
+void ClipRegions::copyRecords(Change change) {
   for (size_t i = stretch_.first; i < stretch_.end(); ++i) {
     const ClipRegionRecord record = records_[i];
-    const bool replaced = record.isExcluded() && contains(cut, record.rect);
-    records_.push_back({replaced ? cut : record.rect, record.mode & ~ClipUsed});
+    records_.push_back({change(record), record.mode & ~ClipUsed});
   }
-  startSeries(first, 1);
 }
 
 // Makes regions of the records from the first one on; the last of them becomes current.

@@ -71,6 +71,8 @@ class ClipRegions {
   Cut compare(const RECT& cut) const;
   void extendCurrent(const RECT& rectangle, ClipMode mode);
   void replaceCuts(const RECT& cut);
+  template <class Change>
+  void copyRecords(Change change);
   void startSeries(size_t firstRecord, size_t regionCount);
 
   std::vector<ClipRegionRecord> records_;

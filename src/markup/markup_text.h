@@ -20,7 +20,8 @@ namespace qz {
 // one byte each, and runs of 16-bit units for host text that needs them; each run starts with a
 // four-byte header.
 //
-// Only growing can fail, with std::bad_alloc, and then nothing was appended.
+// Only growing can fail, with std::bad_alloc. append() has done nothing then; appendText() may stop
+// halfway, see appendWhole().
 class MarkupText {
   struct Chunk;
 

@@ -1,4 +1,4 @@
-// The template of the finished document.
+// What Page writes around its content: the template of the finished document.
 #include "page/document.h"
 
 #include <limits>

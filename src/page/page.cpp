@@ -18,8 +18,8 @@ struct PaintedShape {
 
 }  // namespace
 
-// Whatever is drawn goes through here: it enters the current region, marks it, and declares the
-// extension namespace if it uses it.
+// Each element goes through here: it enters the current region, marks it, and declares the
+// extension namespace if it uses it. (Groups go through openGroup(), outlines into the open block.)
 template <class Element>
 void Page::addElement(const Element& element) {
   content_.addElement(clips.current(), [&](MarkupText& out) { element.write(out); });
@@ -52,14 +52,13 @@ void Page::draw(const Shape& shape) {
 void Page::drawText(const CodeUnit* text, int32_t length, const POINT& origin,
                     const int32_t* advances, uint32_t characterScaling) {
   const EscapedText escapedText(text, length);
-  const FontNumber font = fonts.current();
-  addElement(TextRun{escapedText.view(), origin, advances, length, characterScaling, font,
-                     paint_.attributes()});
-  fonts.markUsed(font);
+  addElement(TextRun{escapedText.view(), origin, advances, length, characterScaling,
+                     fonts.current(), paint_.attributes()});
+  fonts.markUsed();
 }
 
-void Page::place(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
-                 uint16_t quality) {
+void Page::drawPicture(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
+                       uint16_t quality) {
   if (format == SVG_IMAGE_SVG) {
     if (const auto id = svgImages_.findOrRegister(bounds, data, size))
       addElement(Symbol{*id, {bounds.left, bounds.top}});
@@ -74,13 +73,13 @@ void Page::addTarget(const DocumentTarget& target) { addElement(target); }
 void Page::beginBlock() {
   endBlock();
   struct BlockStart {
-    CharacterBlocks& blocks;
     const PaintAttributes& paint;
-    void write(MarkupText&) const { blocks.begin(paint); }  // to the block's own text
+    void write(MarkupText& out) const { out.append("<g", paint, ">"); }
     bool usesExtensionNamespace() const { return false; }
   };
-  addElement(BlockStart{blocks_, paint_.attributes()});
+  addElement(BlockStart{paint_.attributes()});
   content_.beginBlock();
+  blocks_.begin();
 }
 
 void Page::endBlock() {

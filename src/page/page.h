@@ -19,7 +19,7 @@ namespace qz {
 // (`clips`, `fonts`); what needs several is an operation of the page.
 //
 // A call whose memory is exhausted throws std::bad_alloc and leaves the page as it was, or with a
-// part of a picture or a character; every page closes to a well-formed document.
+// part of a picture, a character or a character block; every page closes to a well-formed document.
 class Page {
  public:
   // The inversion is the generator's and outlives the page.
@@ -41,8 +41,8 @@ class Page {
   void draw(const Shape& shape);
   void drawText(const CodeUnit* text, int32_t length, const POINT& origin, const int32_t* advances,
                 uint32_t characterScaling);
-  void place(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
-             uint16_t quality);
+  void drawPicture(uint16_t format, const RECT& bounds, const uint8_t* data, size_t size,
+                   uint16_t quality);
   void addTarget(const DocumentTarget& target);
 
   void beginBlock();

@@ -28,9 +28,8 @@ struct OffsetAttribute {
 
 }  // namespace
 
-void CharacterBlocks::begin(const PaintAttributes& paint) {
+void CharacterBlocks::begin() noexcept {
   assert(!open_ && text_.empty());
-  text_.append("<g", paint, ">");
   ++blockCount_;
   open_ = true;
 }

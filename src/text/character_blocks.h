@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "markup/markup_text.h"
-#include "paint/paint.h"
 #include "shapes/shapes.h"
 #include "text/glyph_index.h"
 
@@ -16,9 +15,9 @@ namespace qz {
 class CharacterBlocks {
  public:
   bool isOpen() const { return open_; }
-  // None may be open.
-  void begin(const PaintAttributes& paint);
-  // Ends the open block and returns its markup, for the page to take.
+  // Begins a block, whose start tag the page has written. None may be open.
+  void begin() noexcept;
+  // Ends the open block and returns its markup after the start tag, for the page to take.
   MarkupText& end();
 
   // Starts a character. One with a `reference`, the index of an earlier one, repeats the first
@@ -44,7 +43,7 @@ class CharacterBlocks {
 
   // The open block, and the first outline of each of its characters.
   bool open_ = false;
-  MarkupText text_;
+  MarkupText text_;  // ends within a tag, after the id, while a body waits
   std::vector<GlyphNumber> firstGlyphs_;
   // Its newest character.
   POINT position_{0, 0};

@@ -17,7 +17,7 @@ inline constexpr FontNumber kNoFont = -1;
 struct FontStyleSheet {
   size_t firstUnit;
   size_t unitCount;
-  bool used;  // a text run refers to it, so it is written
+  bool used;
 };
 
 // The fonts of one page, numbered in the order in which they are first set, and the current one.
@@ -28,8 +28,9 @@ class Fonts {
   // A font is known by the hash of its CSS text alone: two texts with one hash share a rule.
   void set(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
   void clear() { current_ = kNoFont; }
-  void markUsed(FontNumber font) {
-    if (font != kNoFont) fonts_[static_cast<size_t>(font)].used = true;
+  // A text run refers to the current font, so it is written.
+  void markUsed() noexcept {
+    if (current_ != kNoFont) fonts_[static_cast<size_t>(current_)].used = true;
   }
 
   // The rules of the used fonts within a style element; nothing when there are none.
