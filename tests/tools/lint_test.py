@@ -114,6 +114,8 @@ class Lint(tool.InFolder):
                       'paste `qzsvggen lint --rules` into it')
 
     def test_counts_of_pages(self):
+        if not self.reads_xml():
+            self.skipTest('this build does not look into SVG pictures')
         stored = json.loads((tool.REPOSITORY / 'tests/tools/lint_counts.json').read_text())
         for page in tool.recordings():
             with self.subTest(page=page):
