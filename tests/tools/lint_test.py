@@ -17,12 +17,21 @@ class Lint(tool.InFolder):
         self.assertEqual(result.returncode, int(errors))
         return found
 
+    def reads_xml(self):
+        self.write('x.svg', '<svg/>')
+        return 'without expat' not in self.run_tool('lint', 'x.svg').stderr
+
     def test_pairs(self):
+        reads_xml = self.reads_xml()
         for rule, bad, line, advised in PAIRS:
+            if rule.startswith('svg-') and rule != 'svg-not-found' and not reads_xml:
+                continue
             with self.subTest(rule=rule, bad=bad):
                 self.assertEqual(self.lint(bad), [(rule, line)])
                 self.assertEqual(self.lint(advised), [])
         for rule, bad, line in REMARKS:
+            if rule.startswith('svg-') and not reads_xml:
+                continue
             with self.subTest(rule=rule, bad=bad):
                 self.assertEqual(self.lint(bad), [])
                 self.assertEqual(self.lint(bad, '--all'), [(rule, line)])
@@ -43,8 +52,7 @@ class Lint(tool.InFolder):
     def test_documents(self):
         """What can be seen in the document is found there, too, and leads to the call."""
         listed = self.run_tool('lint', '--rules').stdout
-        self.write('x.svg', '<svg/>')
-        if 'without expat' in self.run_tool('lint', 'x.svg').stderr:
+        if not self.reads_xml():
             self.skipTest('this build checks no documents')
         for rule, bad, line, advised in PAIRS:
             if re.search(f'^. `{rule}`[^|]*recordings', listed, re.M):
@@ -81,6 +89,8 @@ class Lint(tool.InFolder):
         self.assertEqual(self.run_tool('lint', '--pages', 'a.jsonl', 'b.jsonl').stdout, '')
 
     def test_lost_attributes(self):
+        if not self.reads_xml():
+            self.skipTest('this build checks no documents')
         bad = svg(root=' viewBox="0 0 9 9" data-note="a&gt;b" fill="red"')
         self.assertEqual(self.lint(bad), [])
         self.assertIn(self.lint(svg(root=' viewBox="0 0 9 9" aria-hidden="true" fill="red"'))[0][0],
@@ -104,6 +114,8 @@ class Lint(tool.InFolder):
                       'paste `qzsvggen lint --rules` into it')
 
     def test_counts_of_pages(self):
+        if not self.reads_xml():
+            self.skipTest('this build does not look into SVG pictures')
         stored = json.loads((tool.REPOSITORY / 'tests/tools/lint_counts.json').read_text())
         for page in tool.recordings():
             with self.subTest(page=page):

@@ -71,6 +71,7 @@ class List(tool.InFolder):
         self.assertEqual(counted, self.run_tool('list', '--statistics', 'page.svg').stdout)
         self.assertIn('  1\tline\n', counted)
 
+    @unittest.skipUnless(tool.IS_NATIVE, 'there is no sh')
     def test_reduce(self):
         """A planted fault comes out alone, and the original stays."""
         fault = '["SVG_DrawText","wrong",[5,5],null,100]'

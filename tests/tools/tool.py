@@ -9,7 +9,8 @@ PROGRAM, REPOSITORY, RECORDINGS, *MORE = sys.argv[1:]
 del sys.argv[1:]
 REPOSITORY = pathlib.Path(REPOSITORY)
 # Random sequences of calls: under an emulator starting a program takes long.
-SEQUENCES = 150 if pathlib.Path(PROGRAM).read_bytes()[:4] == b'\x7fELF' else 10
+IS_NATIVE = pathlib.Path(PROGRAM).read_bytes()[:4] == b'\x7fELF'
+SEQUENCES = 150 if IS_NATIVE else 10
 CREATE = '["SVG_Create",[0,0,1000,1000]]'
 
 

@@ -74,11 +74,13 @@ inline constexpr std::string_view functionName<SVG_GetVersion> = "SVG_GetVersion
 template <>
 inline constexpr std::string_view functionName<SVG_Close> = "SVG_Close";
 
+// NOLINTBEGIN(bugprone-macro-parentheses): arguments of templates
 #define QZSVGGEN_NAME(name, arity)                              \
   template <>                                                   \
   inline constexpr std::string_view functionName<name> = #name; \
   static_assert(std::tuple_size_v<Parameters<name>> == (arity), #name);
 QZSVGGEN_FUNCTIONS(QZSVGGEN_NAME)
 #undef QZSVGGEN_NAME
+// NOLINTEND(bugprone-macro-parentheses)
 
 }  // namespace qz::tools

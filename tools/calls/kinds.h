@@ -180,6 +180,7 @@ struct KindsOfParameters<std::tuple<>> {
   using Kinds = std::tuple<>;
 };
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types
 #define QZSVGGEN_KIND(kind, ...)                               \
   struct KindsOfParameters<std::tuple<__VA_ARGS__, Rest...>> { \
     using Kinds = KindThen<kind, Rest...>;                     \
@@ -203,6 +204,7 @@ QZSVGGEN_KIND(Picture, const uint8_t*, int32_t)
 template <class... Rest>
 QZSVGGEN_KIND(FieldData, const void*, int32_t)
 #undef QZSVGGEN_KIND
+// NOLINTEND(bugprone-macro-parentheses)
 
 // The arguments of a function as kinds. Three signatures do not tell all.
 template <auto function>

@@ -11,6 +11,7 @@ int main(int count, char** arguments) {
       "Looks into pages that were drawn with qzsvggen: from recordings of calls (JSON "
       "Lines) and from finished documents.",
       "qzsvggen");
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   app.require_subcommand(1);
   app.set_version_flag("--version", "qzsvggen " QZSVGGEN_PROGRAM_VERSION);
   Program program{app, {}};

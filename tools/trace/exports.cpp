@@ -60,6 +60,7 @@ int32_t QZSVGGEN_CALL SVG_Close(SvgGenerator* generator, SVG_Char* buffer, int32
   return result;
 }
 
+// NOLINTBEGIN(bugprone-macro-parentheses): types and names
 // One definition for each function, with the parameters of the header.
 #define P(name, i) Parameter<name, i> p##i
 #define EXPORT(name, parameters, ...)                                               \
@@ -78,3 +79,4 @@ int32_t QZSVGGEN_CALL SVG_Close(SvgGenerator* generator, SVG_Char* buffer, int32
          p3, p4, p5, p6, p7)
 #define EXPORT_BY_ARITY(name, arity) EXPORT_##arity(name)
 QZSVGGEN_FUNCTIONS(EXPORT_BY_ARITY)
+// NOLINTEND(bugprone-macro-parentheses)

@@ -91,7 +91,7 @@ std::string TraceFile::keepPicture(const uint8_t* data, std::size_t size) {
   char digits[24];
   std::snprintf(digits, sizeof digits, "%016llx",
                 static_cast<unsigned long long>(contentHash(data, size)));
-  const std::string name = digits + std::string(extensionOf(data, size));
+  std::string name = digits + std::string(extensionOf(data, size));
   const std::string path = folder_ + "/" + name, aside = name_ + ".picture";
   std::error_code error;
   if (std::filesystem::file_size(path, error) == size && !error) return name;

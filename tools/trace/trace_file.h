@@ -8,7 +8,7 @@
 
 namespace qz::tools {
 
-class TraceFile : public JsonWriter {
+class TraceFile final : public JsonWriter {
  public:
   // Opens a new file PREFIX-NNNN.jsonl. Without room for it nothing is written, and that is said.
   TraceFile(const std::string& folder, const std::string& prefix);
