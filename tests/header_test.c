@@ -6,6 +6,19 @@
 #define min(a, b) ((a) < (b) ? (a) : (b))
 #define max(a, b) ((a) > (b) ? (a) : (b))
 #endif
+#if defined(OWN_TYPES) /* of a host that was ported from Windows */
+typedef struct {
+  int x, y;
+} POINT;
+typedef struct {
+  int left, top, right, bottom;
+} RECT;
+#define PT_CLOSEFIGURE 1
+#define PT_LINETO 2
+#define PT_BEZIERTO 4
+#define PT_MOVETO 6
+#define QZSVGGEN_HAS_POINT_AND_RECT
+#endif
 #include <qzsvggen/qzsvggen.h>
 #if defined(_WIN32)
 #include <windows.h>

@@ -104,8 +104,8 @@ Engine::Engine(const std::filesystem::path& file, const std::optional<std::strin
   checkFile(file);
   state_ = std::make_unique<State>();
   fz_context* const context = state_->context;
-  attempt(context,
-          [&] { state_->document.reset(pdf_open_document(context, file.string().c_str())); });
+  const std::string name = file.string();
+  attempt(context, [&] { state_->document.reset(pdf_open_document(context, name.c_str())); });
   pdf_document* const document = state_->document.get();
   int locked = 0;
   attempt(context, [&] {

@@ -104,10 +104,25 @@ typedef uint_least16_t SVG_Char;
 
 /* POINT {x, y} and RECT {left, top, right, bottom}, signed 32-bit each, and the path point types.
  * On Windows these are the platform's own, from windows.h, which may be included before or after
- * this header; elsewhere they are defined here. */
+ * this header; elsewhere they are defined here. A host that has its own there, of the same layout,
+ * defines QZSVGGEN_HAS_POINT_AND_RECT and includes this header after them. */
+#if defined(QZSVGGEN_HAS_POINT_AND_RECT)
+#if defined(__cplusplus)
+#define QZSVGGEN_ASSERT_LAYOUT(condition) \
+  static_assert(condition, "POINT and RECT are signed 32-bit")
+#else
+#define QZSVGGEN_ASSERT_LAYOUT(condition) \
+  _Static_assert(condition, "POINT and RECT are signed 32-bit")
+#endif
+QZSVGGEN_ASSERT_LAYOUT(sizeof(POINT) == 8 && offsetof(POINT, x) == 0 && offsetof(POINT, y) == 4);
+QZSVGGEN_ASSERT_LAYOUT(sizeof(RECT) == 16 && offsetof(RECT, left) == 0 && offsetof(RECT, top) == 4);
+QZSVGGEN_ASSERT_LAYOUT(offsetof(RECT, right) == 8 && offsetof(RECT, bottom) == 12);
+#undef QZSVGGEN_ASSERT_LAYOUT
+#else
 typedef struct tagPOINT POINT;
 typedef struct tagRECT RECT;
-#if !defined(_WIN32)
+#endif
+#if !defined(_WIN32) && !defined(QZSVGGEN_HAS_POINT_AND_RECT)
 struct tagPOINT {
   int32_t x;
   int32_t y;
@@ -118,6 +133,8 @@ struct tagRECT {
   int32_t right;
   int32_t bottom;
 };
+#endif
+#if !defined(_WIN32) && !defined(PT_MOVETO)
 #define PT_CLOSEFIGURE 0x01 /* added to a line or a curve's last point: then close the figure */
 #define PT_LINETO 0x02
 #define PT_BEZIERTO 0x04 /* three in a row: two control points and the end point */

@@ -27,6 +27,7 @@
 //   Windows      To make points and rectangles, include windows.h, before or after this header.
 #pragma once
 
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -415,8 +416,9 @@ inline std::string toUtf8(std::u16string_view text) {
   return result;
 }
 
-// Writes the text to a file as UTF-16, low byte first, behind its mark. Throws
-// std::filesystem::filesystem_error, and leaves no part of a document behind.
+// Writes the text to a file as UTF-16, low byte first, behind its mark: to a file beside it, with
+// ".part" behind its name, which then takes its place. Throws std::filesystem::filesystem_error
+// with the reason, and leaves what was there before, and no part of a document.
 inline void writeFile(const std::filesystem::path& path, std::u16string_view text) {
   std::string bytes = "\xFF\xFE";
   bytes.reserve(bytes.size() + 2 * text.size());
@@ -424,15 +426,19 @@ inline void writeFile(const std::filesystem::path& path, std::u16string_view tex
     bytes.push_back(static_cast<char>(unit & 0xFF));
     bytes.push_back(static_cast<char>(unit >> 8));
   }
-  std::ofstream file(path, std::ios::binary);
+  std::filesystem::path aside = path;
+  aside += ".part";
+  errno = 0;
+  std::ofstream file(aside, std::ios::binary);
   const bool opened = file.is_open();
   file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   file.close();
-  if (file) return;
+  std::error_code error(errno != 0 ? errno : EIO, std::generic_category());
+  if (file) std::filesystem::rename(aside, path, error);  // which sets or clears it
+  if (!error) return;
   std::error_code ignored;
-  if (opened) std::filesystem::remove(path, ignored);
-  throw std::filesystem::filesystem_error("qzsvggen: cannot write", path,
-                                          std::make_error_code(std::errc::io_error));
+  if (opened) std::filesystem::remove(aside, ignored);
+  throw std::filesystem::filesystem_error("qzsvggen: cannot write", path, error);
 }
 
 }  // namespace qzsvggen
