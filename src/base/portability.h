@@ -31,6 +31,18 @@
 
 namespace qz {
 
+// Eight bytes, the first one lowest. Written out, it is one load on most processors.
+inline uint64_t loadEight(const uint8_t* bytes) {
+  const auto at = [bytes](int i) { return static_cast<uint64_t>(bytes[i]) << (8 * i); };
+  return at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);
+}
+
+// The same with the first one highest.
+inline uint64_t loadEightBigEndian(const uint8_t* bytes) {
+  const auto at = [bytes](int i) { return static_cast<uint64_t>(bytes[i]) << (56 - 8 * i); };
+  return at(0) | at(1) | at(2) | at(3) | at(4) | at(5) | at(6) | at(7);
+}
+
 // Both halves of the product, one folded onto the other.
 inline uint64_t foldedProduct(uint64_t a, uint64_t b) {
 #if defined(__SIZEOF_INT128__)

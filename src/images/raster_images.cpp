@@ -1,5 +1,6 @@
 #include "images/raster_images.h"
 
+#include "base/portability.h"
 #include "base/wrapping.h"
 #include "images/base64.h"
 
@@ -10,14 +11,18 @@ constexpr uint32_t kReservedKey = 0xFFFFFFFF;
 
 constexpr uint32_t power31(int exponent) { return exponent == 0 ? 1 : 31 * power31(exponent - 1); }
 
-// h * 31 + byte over all bytes, modulo 2^32. Eight bytes a step: one dependent multiplication
-// instead of eight.
+// Of eight bytes, the first one lowest: pairs, then fours are made at once, side by side.
+uint32_t keyOfEight(uint64_t bytes) {
+  constexpr uint64_t kEvenBytes = 0x00FF00FF00FF00FF, kEvenPairs = 0x0000FFFF0000FFFF;
+  const uint64_t pairs = (bytes & kEvenBytes) * power31(1) + (bytes >> 8 & kEvenBytes);
+  const uint64_t fours = (pairs & kEvenPairs) * power31(2) + (pairs >> 16 & kEvenPairs);
+  return static_cast<uint32_t>(fours) * power31(4) + static_cast<uint32_t>(fours >> 32);
+}
+
+// h * 31 + byte over all bytes, modulo 2^32.
 uint32_t contentKey(const uint8_t* bytes, size_t size) {
   uint32_t key = 0;
-  for (; size >= 8; size -= 8, bytes += 8)
-    key = key * power31(8) + bytes[0] * power31(7) + bytes[1] * power31(6) + bytes[2] * power31(5) +
-          bytes[3] * power31(4) + bytes[4] * power31(3) + bytes[5] * power31(2) +
-          bytes[6] * power31(1) + bytes[7];
+  for (; size >= 8; size -= 8, bytes += 8) key = key * power31(8) + keyOfEight(loadEight(bytes));
   for (; size > 0; --size) key = key * 31 + *bytes++;
   return key;
 }
