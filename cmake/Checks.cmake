@@ -9,4 +9,7 @@ if(QZSVGGEN_SANITIZE)
   add_compile_options(-fsanitize=${QZSVGGEN_SANITIZE} -fno-sanitize-recover=all
     -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${QZSVGGEN_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")  # which takes what it has added for uninitialised
+    add_compile_options(-Wno-maybe-uninitialized)
+  endif()
 endif()
