@@ -24,6 +24,7 @@ typedef struct {
 #include <windows.h>
 #endif
 
+_Static_assert(sizeof QZSVGGEN_VERSION_STRING > 5 && QZSVGGEN_VERSION >= 10000, "the release");
 _Static_assert(sizeof(SVG_Char) == 2, "text has 16-bit units");
 _Static_assert(sizeof(POINT) == 8 && sizeof(RECT) == 16, "coordinates have 32 bits");
 _Static_assert(PT_MOVETO == 6 && PT_LINETO == 2 && PT_BEZIERTO == 4 && PT_CLOSEFIGURE == 1,

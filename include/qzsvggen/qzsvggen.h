@@ -70,6 +70,11 @@
 #define QZSVGGEN_VERSION_PATCH 0
 #define QZSVGGEN_VERSION \
   (QZSVGGEN_VERSION_MAJOR * 10000 + QZSVGGEN_VERSION_MINOR * 100 + QZSVGGEN_VERSION_PATCH)
+#define QZSVGGEN_QUOTED_VALUE(value) #value
+#define QZSVGGEN_QUOTED(value) QZSVGGEN_QUOTED_VALUE(value)
+#define QZSVGGEN_VERSION_STRING           \
+  QZSVGGEN_QUOTED(QZSVGGEN_VERSION_MAJOR) \
+  "." QZSVGGEN_QUOTED(QZSVGGEN_VERSION_MINOR) "." QZSVGGEN_QUOTED(QZSVGGEN_VERSION_PATCH)
 
 /* Calling convention: cdecl, on every platform. Windows hosts that want `dllimport` define
  * QZSVGGEN_DLLIMPORT before including this header; it is never required. */
