@@ -63,8 +63,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The release of this header, and as one number: major * 10000 + minor * 100 + patch. The version
- * of the interface itself is what SVG_GetVersion returns. */
+/* The release of this header, as one number (major * 10000 + minor * 100 + patch) and as text. The
+ * version of the interface itself is what SVG_GetVersion returns. */
 #define QZSVGGEN_VERSION_MAJOR 1
 #define QZSVGGEN_VERSION_MINOR 0
 #define QZSVGGEN_VERSION_PATCH 0
