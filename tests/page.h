@@ -2,7 +2,9 @@
 #pragma once
 
 #if defined(_WIN32)
+#if !defined(NOMINMAX)  // the standard library of MinGW defines it
 #define NOMINMAX
+#endif
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 #endif
