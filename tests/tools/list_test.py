@@ -76,7 +76,7 @@ class List(tool.InFolder):
         """A planted fault comes out alone, and the original stays."""
         fault = '["SVG_DrawText","wrong",[5,5],null,100]'
         lines = [tool.CREATE, *[LINE] * 100, '["SVG_SetFont","wide",20,0,0]', *[LINE] * 200, fault,
-                 *[LINE] * 60, '{"problems":[]}']
+                 *[LINE] * 60, '{"problems":[]}', LINE[:-4]]  # the last one is cut off
         self.write('page.jsonl', '\n'.join(lines))
         command = ['reduce', 'page.jsonl', '-o', 'small.jsonl', '--', 'sh', '-c',
                    '! { grep -q wide "$1" && grep -q wrong "$1"; }', 'sh', '{}']
