@@ -58,7 +58,8 @@ class List(tool.InFolder):
             '["SVG_DrawText","hi",[1,2],null,100]']))
         rows = [row.split('\t') for row in self.run_tool('list', 'page.jsonl').stdout.splitlines()]
         state = 'fill #000000, stroke #ff0000/128 7, font italic 40 a b'
-        self.assertEqual(rows[3:], [
+        self.assertEqual(rows[0], ['1', tool.CREATE, '/svg', 'fill #000000'])
+        self.assertEqual(rows[4:], [
             ['5', LINE, '/svg/a[1]/line[1]', state + ', group of line 4'],
             ['6', '["SVG_EndLink"]', '-', state],
             ['7', '["SVG_DrawText","hi",[1,2],null,100]', '/svg/text[1]', state]])
