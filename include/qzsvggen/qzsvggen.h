@@ -52,11 +52,12 @@
  *                SVG_Create, SVG_Close, SVG_GetVersion, SVG_GetCurrentClippingRegion and
  *                SVG_SetCurrentClippingRegion.
  *   Memory       When memory is exhausted SVG_Create returns null and SVG_Close(null) returns 0.
- * Any other call has no effect then, but that a picture, a character or a character block may have
- * part of its effect (a definition without a use, say). The page stays consistent and usable. No
- * exception leaves the library. Undefined    A deleted handle, a null pointer where a value is
- * read, a count that is larger than the array behind it. None of this is checked. A call that comes
- * when it does nothing, after SVG_Close or outside a character block, say, reads nothing.
+ *                Any other call has no effect then, but that a picture, a character or a character
+ *                block may have part of its effect (a definition without a use, say). The page
+ *                stays consistent and usable. No exception leaves the library.
+ *   Undefined    A deleted handle, a null pointer where a value is read, a count that is larger
+ *                than the array behind it. None of this is checked. A call that comes when it does
+ *                nothing, after SVG_Close or outside a character block, say, reads nothing.
  */
 #pragma once
 
@@ -311,9 +312,9 @@ QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPolygon(SvgGenerator* generator, cons
  *           PT_CLOSEFIGURE added where the figure closes. Each figure starts with a move, which is
  *           written relative to the move before: a further figure is in its place only if the one
  *           before it was closed. Curve points come in threes. Other values are tolerated: 1 closes
- * the figure, the rest write nothing, but what follows is measured from their points. After a curve
- * point, until the next line or move, they count as one of its three. count     0 draws a path
- * without data
+ *           the figure, the rest write nothing, but what follows is measured from their points.
+ *           After a curve point, until the next line or move, they count as one of its three.
+ * count     0 draws a path without data
  */
 QZSVGGEN_API int32_t QZSVGGEN_CALL SVG_DrawPath(SvgGenerator* generator, const POINT* points,
                                                 const uint8_t* types,

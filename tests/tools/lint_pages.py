@@ -65,7 +65,9 @@ PAIRS = [
     ('xml-character', text('a\x07'), 2, text('a ')),
     ('lone-surrogate', FONT + '\n' + call('DrawText', {'base64': 'ANg='}, [9, 9], None, 100), 2,
      text('\ufffd')),
-    ('negative-x', text('abc', [-150, 70, 60]), 2, text('a') + text('bc', [5, 5])[len(FONT):]),
+    ('negative-x', text('abc', [-110, -20, 60]), 2,
+     '\n'.join([text('a'), *(call('DrawText', each, [x, 100], [9], 100)
+                             for each, x in [('b', -10), ('c', -30)])])),
     ('crlf-in-run', text('a\r\nb', [9, 9, 9, 9]), 2, text('ab', [9, 9])),
     ('font-size', call('SetFont', 'serif', 0, 0, 0) + '\n' + call('DrawText', 'a', [9, 9], None, 100),
      1, text('a')),

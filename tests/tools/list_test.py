@@ -58,7 +58,8 @@ class List(tool.InFolder):
             '["SVG_DrawText","hi",[1,2],null,100]']))
         rows = [row.split('\t') for row in self.run_tool('list', 'page.jsonl').stdout.splitlines()]
         state = 'fill #000000, stroke #ff0000/128 7, font italic 40 a b'
-        self.assertEqual(rows[3:], [
+        self.assertEqual(rows[0], ['1', tool.CREATE, '/svg', 'fill #000000'])
+        self.assertEqual(rows[4:], [
             ['5', LINE, '/svg/a[1]/line[1]', state + ', group of line 4'],
             ['6', '["SVG_EndLink"]', '-', state],
             ['7', '["SVG_DrawText","hi",[1,2],null,100]', '/svg/text[1]', state]])
@@ -76,7 +77,7 @@ class List(tool.InFolder):
         """A planted fault comes out alone, and the original stays."""
         fault = '["SVG_DrawText","wrong",[5,5],null,100]'
         lines = [tool.CREATE, *[LINE] * 100, '["SVG_SetFont","wide",20,0,0]', *[LINE] * 200, fault,
-                 *[LINE] * 60, '{"problems":[]}']
+                 *[LINE] * 60, '{"problems":[]}', LINE[:-4]]  # the last one is cut off
         self.write('page.jsonl', '\n'.join(lines))
         command = ['reduce', 'page.jsonl', '-o', 'small.jsonl', '--', 'sh', '-c',
                    '! { grep -q wide "$1" && grep -q wrong "$1"; }', 'sh', '{}']

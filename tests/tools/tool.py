@@ -16,7 +16,7 @@ CREATE = '["SVG_Create",[0,0,1000,1000]]'
 
 def recordings():
     """All pages there are; tells how many."""
-    folders = [REPOSITORY / 'samples', REPOSITORY / 'tests/reliability']
+    folders = [REPOSITORY / 'samples', REPOSITORY / 'tests/reliability/pages']
     if RECORDINGS:
         folders.append(pathlib.Path(RECORDINGS))
     pages = [page for folder in folders for page in sorted(folder.glob('*.jsonl'))]

@@ -18,7 +18,8 @@ class LintCommand {
     app.add_flag("--all", telling_.all, "Show each finding, and remarks");
     app.add_flag("--json", json_, "Write the findings as a JSON list");
     app.add_option("--disable", disabled_, "Leave out a rule; may be repeated")
-        ->type_name("ID")
+        ->type_name("RULE")
+        ->allow_extra_args(false)
         ->check([](const std::string& id) {
           for (const Rule& each : kRules)
             if (each.id == id) return std::string();

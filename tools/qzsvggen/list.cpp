@@ -66,16 +66,23 @@ std::string madeBy(const ElementsOfLines& elements, int line) {
 void listCalls(const Recording& recording, std::ostream& out) {
   const ElementsOfLines elements = elementsOfLines(recording);
   PageState state(*recording.page(), recording.pageLine());
+  const auto listLine = [&](int line, JsonText& json, const std::string& element) {
+    std::string text = json.take();
+    text.pop_back();  // the line feed
+    out << line << '\t' << shortened(text) << '\t' << (element.empty() ? "-" : element) << '\t'
+        << stateOf(state) << '\n';
+  };
+  JsonText create;
+  create.begin("SVG_Create");
+  create.rectangle(*recording.page());
+  create.end();
+  listLine(recording.pageLine(), create, "/svg");
   for (const Call& call : recording.calls()) {
     state.setLine(call.line);
     JsonText json;
     call.to(WriteJson{json});
     call.to(state);
-    std::string text = json.take();
-    text.pop_back();  // the line feed
-    const std::string element = madeBy(elements, call.line);
-    out << call.line << '\t' << shortened(text) << '\t' << (element.empty() ? "-" : element) << '\t'
-        << stateOf(state) << '\n';
+    listLine(call.line, json, madeBy(elements, call.line));
   }
 }
 

@@ -41,7 +41,7 @@ class ReduceCommand {
         ->required();
     app.footer(
         "COMMAND fails when its exit status is not 0. It is run many times. A recording that "
-        "replay refuses does not count. To look for what works, let a script turn the status "
+        "cannot be read is refused before. To look for what works, let a script turn the status "
         "around.");
   }
 
@@ -70,16 +70,20 @@ class ReduceCommand {
   }
 
  private:
-  // The first call is kept apart: it creates the page. Notes are left out.
+  // The first call is kept apart: it creates the page. Notes are left out, and a call that was cut
+  // off.
   void readLines() {
-    readRecording(recording_);  // says what is wrong with it
+    const Recording recording = readRecording(recording_);  // says what is wrong with it
+    auto call = recording.calls().begin();
     std::istringstream in(readFile(recording_));
-    for (std::string line; std::getline(in, line);) {
-      if (!line.starts_with('[') || line.find(']') == std::string::npos) continue;
-      if (create_.empty())
+    std::string line;
+    for (int number = 1; std::getline(in, line); ++number) {
+      if (number == recording.pageLine()) {
         create_ = line;
-      else
+      } else if (call != recording.calls().end() && call->line == number) {
         lines_.push_back(line);
+        ++call;
+      }
     }
   }
 
