@@ -30,16 +30,11 @@ void Symbol::write(MarkupText& out) const {
 
 std::optional<uint32_t> SvgImages::findOrRegister(const RECT& bounds, const uint8_t* bytes,
                                                   size_t size) {
-  if (repeated_.equal(bytes, size)) {
-    writeSizing(repeatedPicture_.root, bounds);
-    return findOrRegisterSymbol(repeatedPicture_);
-  }
-  const uint32_t knownContents = contentCount_;
+  if (repeated_.equal(bytes, size)) return findOrRegisterSymbol(repeatedPicture_, bounds);
   std::optional<Picture> picture = parseSvgImage(bytes, size);
   if (!picture) return std::nullopt;
-  writeSizing(picture->root, bounds);
-  const uint32_t symbol = findOrRegisterSymbol(*picture);
-  if (picture->contentId < knownContents) {
+  const uint32_t symbol = findOrRegisterSymbol(*picture, bounds);
+  if (picture->isKnown) {
     repeated_.remember(bytes, size);
     repeatedPicture_ = std::move(*picture);
   }
@@ -55,7 +50,7 @@ std::optional<SvgImages::Picture> SvgImages::registerContent(View text) {
   const std::optional<SvgCut> cut = cutSvg(text);
   if (!cut) return std::nullopt;
   const View inside = text.substr(cut->insideStart, cut->insideLength);
-  Picture picture{parseSvgRoot(rootTag(text, *cut)), 0, 0};
+  Picture picture{parseSvgRoot(rootTag(text, *cut)), 0, 0, false};
 
   ContentHash hash;
   hash.add(std::string_view("<g "));
@@ -66,6 +61,7 @@ std::optional<SvgImages::Picture> SvgImages::registerContent(View text) {
   picture.contentHash = static_cast<uint32_t>(hash.value());
   if (const auto known = contentIndex_.find(picture.contentHash)) {
     picture.contentId = *known;
+    picture.isKnown = true;
     return picture;
   }
 
@@ -97,7 +93,8 @@ void SvgImages::writeSizing(const SvgRootAttributes& root, const RECT& bounds) {
   sizing_.append("\"");
 }
 
-uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture) {
+uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture, const RECT& bounds) {
+  writeSizing(picture.root, bounds);
   ContentHash hash;
   hash.add(sizing_);
   const SymbolKey wanted{hash.value(), picture.contentHash};

@@ -39,6 +39,7 @@ class SvgImages {
     SvgRootAttributes root;
     uint32_t contentHash;
     uint32_t contentId;  // "QZ_G" and this number
+    bool isKnown;        // the content was registered before
   };
   struct SymbolKey {
     uint64_t sizingHash;
@@ -49,7 +50,7 @@ class SvgImages {
   template <class View>
   std::optional<Picture> registerContent(View text);
   void writeSizing(const SvgRootAttributes& root, const RECT& bounds);
-  uint32_t findOrRegisterSymbol(const Picture& picture);
+  uint32_t findOrRegisterSymbol(const Picture& picture, const RECT& bounds);
 
   MarkupText contents_;
   MarkupText symbols_;
