@@ -41,3 +41,7 @@ class InFolder(unittest.TestCase):
 
     def run_tool(self, *arguments):
         return run(*arguments, cwd=self.folder, encoding='utf-8')
+
+    def document(self, lines, create=CREATE):
+        self.write('page.jsonl', '\n'.join(filter(None, [create, lines])))
+        return run('replay', 'page.jsonl', cwd=self.folder, check=True).stdout

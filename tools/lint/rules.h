@@ -72,7 +72,7 @@ inline constexpr Rule kRules[] = {
     {"wrap", QZSVGGEN_E, "R", "a step of more than 2147483647",
      "it wraps around and goes the other way", "bring the coordinates nearer together"},
     {"far", QZSVGGEN_W, "RD", "a coordinate beyond 8388608",
-     "readers compute in single precision: it is pixels off", "stay nearer to the origin"},
+     "it is pixels off in browsers, and wraps around in librsvg", "stay nearer to the origin"},
     {"rounded-corners", QZSVGGEN_E, "RD", "rounded corners",
      "they bulge outward, as the format prescribes", "draw round corners as curves of a path"},
     {"rounded-mask", QZSVGGEN_W, "R", "a corner mask other than 0 and 15",
