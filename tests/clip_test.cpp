@@ -60,6 +60,35 @@ TEST(Clip, RectanglesBecomeOnePath) {
   }
 }
 
+// Each goes on from the one before; what is kept stands before all cuts, and one that is drawn
+// under again is not defined again.
+TEST(Clip, RegionsOfASeriesEachHaveTheirPath) {
+  const char* const data[] = {
+      "M0 0h9v9h-9z",
+      "M0 0h9v9h-9zM20 0h9v9h-9z",
+      "M0 0h9v9h-9zM20 0h9v9h-9zM5 1h4v1h-4zM20 1h5v1h-5z",
+      "M0 0h9v9h-9zM20 0h9v9h-9zM5 1h4v1h-4zM0 3h9v1h-9zM20 1h5v1h-5zM20 3h9v1h-9z",
+      "M0 0h9v9h-9zM20 0h9v9h-9zM0 0h1v1h-1zM5 1h4v1h-4zM0 3h9v1h-9zM20 1h5v1h-5zM20 3h9v1h-9z",
+      "M0 0h9v9h-9z",
+      "M0 0h9v9h-9zM5 1h4v1h-4z",
+      "M0 0h9v9h-9zM5 1h4v1h-4zM0 3h9v1h-9z",
+      "M0 0h9v9h-9zM20 0h9v9h-9zM5 1h4v1h-4zM0 3h9v1h-9zM20 1h5v1h-5zM20 3h9v1h-9z"};
+  const RECT first = {0, 0, 9, 9}, second = {20, 0, 29, 9}, cut = {5, 1, 25, 2},
+             other = {0, 3, 29, 4}, third = {0, 0, 1, 1};
+  Page page;
+  page.clip(first).line()(SVG_AddClippingRegion, &second).line();
+  page(SVG_ExcludeClippingRegion, &cut).line()(SVG_ExcludeClippingRegion, &other).line();
+  page(SVG_AddClippingRegion, &third).line().clip(first).line();
+  page(SVG_ExcludeClippingRegion, &cut).line()(SVG_ExcludeClippingRegion, &other).line();
+  page(SVG_AddClippingRegion, &second).line()(SVG_SetCurrentClippingRegion, 2).line();
+  std::string content, definitions;
+  for (int i = 0; i < 9; ++i) {
+    content += clipped(i, kLine);
+    definitions += clipPath(i, data[i], i % 5 == 0 ? "" : kEvenOdd);
+  }
+  EXPECT_SAME(markup(document(content + clipped(2, kLine), definitions)), page.close());
+}
+
 TEST(Clip, NumbersSelectRegionsAgain) {
   Page page({10, 20, 110, 70});
   SvgGenerator* const generator = page.generator;
@@ -122,6 +151,12 @@ TEST(Clip, NeighboursShareAGroupAndEveryElementMarksItsRegion) {
        "<g filter='url(#QZ_V0)'><use xlink:href='#QZ_x'/></g>",
        "<filter id='QZ_V0' filterUnits='userSpaceOnUse' x='0' y='0' width='1' height='1'>" +
            kMatrix},
+      {"a region whose records are those of a used one is not used itself",
+       [](Page& page) {
+         page.clip({0, 0, 9, 9})(SVG_ExcludeClippingRegion, box({1, 1, 2, 2})).line();
+         page(SVG_ExcludeClippingRegion, box({0, 0, 3, 3}));
+       },
+       clipped(1, kLine), clipPath(1, "M0 0h9v9h-9zM1 1h1v1h-1z", kEvenOdd)},
       {"what is refused marks none",
        [](Page& page) {
          page.clip({0, 0, 1, 1}).text(u"").polyline({}).image(4, {0, 0, 1, 1}, "", 90);

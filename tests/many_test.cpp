@@ -35,6 +35,11 @@ std::string svg(const std::string& inside, const std::string& viewBox = "0") {
   return "<svg viewBox='" + viewBox + "'>" + inside + "</svg>";
 }
 
+std::string symbol(int number, int content, const std::string& box = "0") {
+  return numbered("<symbol id='QZ_S@' width='1' height='1' viewBox='" + box + "'>", {number}) +
+         numbered("<use xlink:href='#QZ_G@'/></symbol>", {content});
+}
+
 Page& outline(Page& page, const std::vector<TypedPoint>& path) {
   return page(SVG_BeginCharacter, at({1, 1})).path(path);
 }
@@ -140,7 +145,7 @@ TEST(Many, PicturesThatDifferInOneByte) {
   const char* const pictures[] = {"abcdefgh", "abcdefgi", "abcdefg", "bbcdefgh"};
   const char* const base64[] = {"YWJjZGVmZ2g=", "YWJjZGVmZ2k=", "YWJjZGVmZw==", "YmJjZGVmZ2g="};
   Page rasters, drawings;
-  std::string images, contents, symbols;
+  std::string images, contents, sizings;
   for (const int i : turns(4)) {
     rasters.image(4, {0, 0, 1, 1}, pictures[i]);
     drawings.image(8, {0, 0, 1, 1}, svg(pictures[i]));
@@ -152,27 +157,17 @@ TEST(Many, PicturesThatDifferInOneByte) {
                   {i}) +
               base64[i] + "'/></symbol>";
     contents += numbered("<g id='QZ_G@'><g  >", {i}) + pictures[i] + "</g></g>";
-    symbols += numbered(
-        "<symbol id='QZ_S@' width='1' height='1' viewBox='0'>"
-        "<use xlink:href='#QZ_G@'/></symbol>",
-        {i});
+    sizings += symbol(i, i);
   }
   const char* const use = "<use xlink:href='#QZ_I@' x='0' y='0' width='1' height='1'/>";
   EXPECT_SAME(markup(document(numbered(use, turns(4)), images)), rasters.close());
-  EXPECT_SAME(markup(document(numbered(kUse, turns(4)), contents + symbols)), drawings.close());
+  EXPECT_SAME(markup(document(numbered(kUse, turns(4)), contents + sizings)), drawings.close());
 }
 
 // Nine points are more than two steps of the hash of points.
 TEST(Many, OutlinesThatDifferInOneCoordinateOrType) {
-  std::vector<std::vector<TypedPoint>> outlines(1, {{6, 1, 2},
-                                                    {2, 3, 4},
-                                                    {2, 5, 7},
-                                                    {2, 9, 1},
-                                                    {2, 4, 4},
-                                                    {2, 6, 2},
-                                                    {2, 8, 8},
-                                                    {2, 3, 7},
-                                                    {2, 1, 1}});
+  std::vector<std::vector<TypedPoint>> outlines = {std::vector<TypedPoint>(9, {2, 3, 4})};
+  outlines[0][0].type = 6;
   for (size_t i = 0; i < outlines[0].size(); ++i)
     for (int32_t TypedPoint::*coordinate : {&TypedPoint::x, &TypedPoint::y}) {
       outlines.push_back(outlines[0]);
@@ -200,22 +195,19 @@ TEST(Many, OutlinesThatDifferInOneCoordinateOrType) {
 }
 
 TEST(Many, WhatMakesTwoTheSame) {
-  const std::string symbol =
-      "<symbol id='QZ_S@' width='1' height='1' viewBox='0'>"
-      "<use xlink:href='#QZ_G@'/></symbol>";
   check({
       {"contents of one 32-bit hash share the first",
        [](Page& page) {
          for (const char* inside : {"mc50", "pbha"}) page.image(8, {0, 0, 1, 1}, svg(inside));
        },
-       numbered(kUse, {0, 0}), "<g id='QZ_G0'><g  >mc50</g></g>" + numbered(symbol, {0})},
+       numbered(kUse, {0, 0}), "<g id='QZ_G0'><g  >mc50</g></g>" + symbol(0, 0)},
       {"one text, be it stored in bytes or in units",
        [](Page& page) {
          std::string units;
          for (const char character : svg("X")) units += {character, '\0'};
          for (const std::string& bytes : {svg("X"), units}) page.image(8, {0, 0, 1, 1}, bytes);
        },
-       numbered(kUse, {0, 0}), "<g id='QZ_G0'><g  >X</g></g>" + numbered(symbol, {0})},
+       numbered(kUse, {0, 0}), "<g id='QZ_G0'><g  >X</g></g>" + symbol(0, 0)},
       {"what stands in the root is not what stands inside",
        [](Page& page) {
          for (const char* picture : {"<svg viewBox='0' a>b</svg>", "<svg viewBox='0' ab></svg>",
@@ -224,21 +216,15 @@ TEST(Many, WhatMakesTwoTheSame) {
        },
        numbered(kUse, {0, 1, 2}),
        "<g id='QZ_G0'><g  a>b</g></g><g id='QZ_G1'><g  ab></g></g><g id='QZ_G2'><g  c>b</g></g>" +
-           numbered(symbol, {0, 1, 2})},
+           symbol(0, 0) + symbol(1, 1) + symbol(2, 2)},
       {"view boxes that differ in the high or the low byte of a unit, or in width",
        [](Page& page) {
          for (const char* box : {"\xE4\xB8\xAD", "\xE4\xBC\xAD", "\xE4\xB8\xAE", "-"})
            page.image(8, {0, 0, 1, 1}, svg("X", box));
        },
        numbered(kUse, {0, 1, 2, 3}),
-       "<g id='QZ_G0'><g  >X</g></g>"
-       "<symbol id='QZ_S0' width='1' height='1' viewBox='\\u4e2d'><use "
-       "xlink:href='#QZ_G0'/></symbol>"
-       "<symbol id='QZ_S1' width='1' height='1' viewBox='\\u4f2d'><use "
-       "xlink:href='#QZ_G0'/></symbol>"
-       "<symbol id='QZ_S2' width='1' height='1' viewBox='\\u4e2e'><use "
-       "xlink:href='#QZ_G0'/></symbol>"
-       "<symbol id='QZ_S3' width='1' height='1' viewBox='-'><use xlink:href='#QZ_G0'/></symbol>"},
+       "<g id='QZ_G0'><g  >X</g></g>" + symbol(0, 0, "\\u4e2d") + symbol(1, 0, "\\u4f2d") +
+           symbol(2, 0, "\\u4e2e") + symbol(3, 0, "-")},
       {"fonts likewise",
        [](Page& page) {
          for (const char16_t* family : {u"\u4e2d", u"\u4f2d", u"\u4e2e", u"-"})

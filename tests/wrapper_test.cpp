@@ -26,24 +26,21 @@ const RECT wide = {0, 0, 90, 40}, small = {10, 10, 20, 30};
 const std::string date("\1\0\0\0\0\0\0\0d\0", 10);
 
 void drawWithC(Page& page) {
-  page(SVG_SetStroke, 255, 1, 2, 3, 4)(SVG_SetFill, 5, 6, 7, 8).line();
-  page(SVG_ClearStroke)(SVG_DrawRectangle, &small)(SVG_DrawRoundedRectangle, &small, 6, 4, 15);
-  page.polyline(points)(SVG_DrawPolygon, points.data(), 3).path({});
-  page(SVG_DrawPath, points.data(), types.data(), 3).font(u"A", 12, true, false);
-  page.text(u"ab\U0001F600", {1, 2}, {3, 4, 5, 6}, 90)(SVG_ClearFont).text(u"plain");
-  page(SVG_BeginInvertPainting)(SVG_SetFill, 255, 6, 7, 8)(SVG_EndInvertPainting);
-  page(SVG_InvertPath, points.data(), types.data(), 3)(SVG_InvertRectangle, &small);
-  page(SVG_BeginCharacterBlock)(SVG_BeginCharacter, &points[0]).line()(SVG_EndCharacter);
-  page(SVG_SetCharacterReference, 0, &points[1])(SVG_EndCharacterBlock);
-  page.image(SVG_IMAGE_PNG, small, "dot", 80);
-  page(SVG_BeginClippingRegion, &wide)(SVG_ExcludeClippingRegion, &small).line();
-  page(SVG_BeginClippingRegion, &small)(SVG_AddClippingRegion, &wide).line();
+  page(SVG_SetStroke, 255, 1, 2, 3, 4)(SVG_BeginInvertPainting)(SVG_SetFill, 5, 6, 7, 8).line();
+  page(SVG_EndInvertPainting)(SVG_ClearStroke)(SVG_DrawRectangle, &small);
+  page(SVG_DrawRoundedRectangle, &small, 6, 4, 15).polyline(points);
+  page(SVG_DrawPolygon, points.data(), 3).path({})(SVG_DrawPath, points.data(), types.data(), 3);
+  page.font(u"A", 12, true, false).text(u"ab\U0001F600", {1, 2}, {3, 4, 5, 6}, 90);
+  page(SVG_ClearFont).text(u"plain")(SVG_InvertPath, points.data(), types.data(), 3);
+  page(SVG_InvertRectangle, &small)(SVG_BeginCharacterBlock)(SVG_BeginCharacter, &points[0]).line();
+  page(SVG_EndCharacter)(SVG_SetCharacterReference, 0, &points[1])(SVG_EndCharacterBlock);
+  page.image(SVG_IMAGE_PNG, small, "dot", 80).clip(wide)(SVG_ExcludeClippingRegion, &small).line();
+  page.clip(small)(SVG_AddClippingRegion, &wide).line();
   page(SVG_SetCurrentClippingRegion, 1).line()(SVG_EndClippingRegion).line();
   page(SVG_BeginFormField, SVG_FIELD_DATE, 1, 2, &small, units(u"due").data(), 3, date.data(), 10);
-  page.line()(SVG_EndFormField).link(SVG_LINK_INTERNAL, u"here").line()(SVG_EndLink).line();
-  page.target({7, 8}, u"here");
-  page(SVG_BeginSignatureField, &small, units(u"by").data(), 2, units(u"info").data(), 8);
-  page.line()(SVG_EndSignatureField).line();
+  page.line()(SVG_EndFormField).line().link(SVG_LINK_INTERNAL, u"here").line()(SVG_EndLink).line();
+  page(SVG_BeginSignatureField, &small, units(u"by").data(), 2, units(u"info").data(), 8).line();
+  page(SVG_EndSignatureField).target({7, 8}, u"here");
 }
 
 void drawLine(qzsvggen::Page& page) { page.drawLine({1, 2}, {3, 4}); }
@@ -56,8 +53,10 @@ void drawLineWithin(Scope, qzsvggen::Page& page) {
 
 void drawWithWrapper(qzsvggen::Page& page) {
   page.setStroke(255, 1, 2, 3, 4);
+  auto inverted = page.invertPainting();
   page.setFill(5, 6, 7, 8);
   drawLine(page);
+  inverted.end();
   page.clearStroke();
   page.drawRectangle(small);
   page.drawRoundedRectangle(small, 6, 4);
@@ -69,43 +68,32 @@ void drawWithWrapper(qzsvggen::Page& page) {
   page.drawText(std::u16string(u"ab\U0001F600"), {1, 2}, {3, 4, 5, 6}, 90);
   page.clearFont();
   page.drawText(u"plain", {1, 2});
-  {
-    auto inverted = page.invertPainting();
-    page.setFill(255, 6, 7, 8);
-  }
   page.invertPath(points, types);
   page.invertRectangle(small);
-  {
-    auto block = page.characterBlock();
-    page.beginCharacter(points[0]);
-    drawLine(page);
-    page.endCharacter();
-    page.setCharacterReference(0, points[1]);
-  }
+  auto block = page.characterBlock();
+  page.beginCharacter(points[0]);
+  drawLine(page);
+  page.endCharacter();
+  page.setCharacterReference(0, points[1]);
+  block.end();
   page.drawImage(ImageFormat::kPng, small, std::string("dot"), 80);
-  {
-    auto outer = page.clip(wide);
-    page.excludeClippingRegion(small);
-    EXPECT_EQ(1u, page.currentClippingRegion());
-    drawLine(page);
-    {
-      auto inner = page.clip(small);
-      page.addClippingRegion(wide);
-      drawLine(page);
-    }
-    drawLine(page);
-  }
+  auto outer = page.clip(wide);
+  page.excludeClippingRegion(small);
+  EXPECT_EQ(1u, page.currentClippingRegion());
+  drawLine(page);
+  auto inner = page.clip(small);
+  page.addClippingRegion(wide);
+  drawLineWithin(std::move(inner), page);
+  drawLineWithin(std::move(outer), page);
   EXPECT_EQ(std::nullopt, page.currentClippingRegion());
   EXPECT_FALSE(page.setCurrentClippingRegion(99));
   drawLine(page);
   drawLineWithin(page.formField(FieldType::kDate, small, u"due", date, 1, 2), page);
-  auto link = page.link(LinkType::kInternal, u"here");
   drawLine(page);
-  link.end();
+  drawLineWithin(page.link(LinkType::kInternal, u"here"), page);
   drawLine(page);
-  page.setDocumentTarget({7, 8}, u"here");
   drawLineWithin(page.signatureField(small, u"by", u"info"), page);
-  drawLine(page);
+  page.setDocumentTarget({7, 8}, u"here");
 }
 
 TEST(Wrapper, CallsWriteWhatTheCCallsWrite) {

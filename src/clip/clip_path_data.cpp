@@ -28,7 +28,6 @@ RECT intersection(const RECT& a, const RECT& b) {
 void ClipPathData::restart() {
   text_.restart();
   recordCount_ = keptCount_ = rectangleCount_ = 0;
-  rewritten_ = false;
 }
 
 void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
@@ -51,20 +50,22 @@ void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
 
 // What is kept stands before all cuts, the cuts of the first kept rectangle before those of others.
 bool ClipPathData::canContinue(const ClipRegionRecord& next) const {
-  return !rewritten_ && (next.isExcluded() ? keptCount_ == 1 : keptCount_ == recordCount_);
+  return next.isExcluded() ? keptCount_ == 1 : keptCount_ == recordCount_;
 }
 
 void ClipPathData::rewrite(std::span<const ClipRegionRecord> records) {
   restart();
-  for (const ClipRegionRecord& kept : records)
-    if (!kept.isExcluded()) write(kept.rect);
+  for (const ClipRegionRecord& kept : records) {
+    if (kept.isExcluded()) continue;
+    ++keptCount_;
+    write(kept.rect);
+  }
   for (const ClipRegionRecord& kept : records) {
     if (kept.isExcluded()) continue;
     for (const ClipRegionRecord& cut : records)
       if (cut.isExcluded()) writeCut(kept.rect, cut.rect);
   }
   recordCount_ = records.size();
-  rewritten_ = true;
 }
 
 void ClipPathData::write(const RECT& rectangle) {

@@ -26,10 +26,9 @@ class ClipPathData {
   void writeCut(const RECT& kept, const RECT& cut);
 
   MarkupText text_;
-  size_t recordCount_ = 0;  // that the text is of, with `keptCount_` kept ones first
-  size_t keptCount_ = 0;
+  size_t recordCount_ = 0;     // that the text is of
+  size_t keptCount_ = 0;       // of these
   size_t rectangleCount_ = 0;  // in the text
-  bool rewritten_ = false;     // not in the records' order, so that no text can go on from it
 };
 
 }  // namespace qz
