@@ -36,9 +36,9 @@ std::string pathData(const Points& points, const std::vector<uint8_t>& types) {
     data += number(y);
   };
   POINT start = at;
-  uint8_t last = 0;
+  int last = 0;
   for (size_t i = 0; i < points.size(); ++i) {
-    const uint8_t type = types[i] == PT_MOVETO ? PT_MOVETO : types[i] & ~PT_CLOSEFIGURE;
+    const int type = types[i] == PT_MOVETO ? PT_MOVETO : types[i] & ~PT_CLOSEFIGURE;
     const size_t count = type == PT_BEZIERTO ? 3 : 1;
     if (type != last || type == PT_MOVETO)
       data += type == PT_MOVETO ? (i == 0 ? 'M' : 'm') : type == PT_LINETO ? 'l' : 'c';
