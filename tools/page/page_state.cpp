@@ -23,7 +23,7 @@ Element element(std::string tag, int line, std::list<Element> children = {}) {
 template <auto function, class... P>
 std::u16string outlineText(const POINT& position, P... parameters) {
   const RECT nowhere{};
-  const std::u16string document = drawAlone(nowhere, [&](SvgGenerator* page) {
+  std::u16string document = drawAlone(nowhere, [&](SvgGenerator* page) {
     SVG_BeginCharacterBlock(page);
     SVG_BeginCharacter(page, &position);
     function(page, parameters...);

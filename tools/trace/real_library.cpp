@@ -115,7 +115,7 @@ void bind(Library library, const char* name, Pointer& pointer) {
 const RealLibrary& RealLibrary::get() {
   static const RealLibrary real = [] {
     RealLibrary loaded;
-    const Library library = load();
+    Library library = load();
     bind(library, "SVG_Create", loaded.create);
     bind(library, "SVG_Delete", loaded.destroy);
     bind(library, "SVG_GetVersion", loaded.getVersion);
