@@ -231,10 +231,11 @@ class DocumentLint {
     const std::string uri = element.get("xlink:href");
     const bool isPng = uri.starts_with("data:image/png;base64,");
     if (!isPng && !uri.starts_with("data:image/jpeg;base64,")) return;
-    checkRaster(decodeBase64(std::string_view(uri).substr(uri.find(',') + 1)), isPng,
-                static_cast<int64_t>(numberOf(element.get("width"))),
-                static_cast<int64_t>(numberOf(element.get("height"))),
-                [&](const Rule& which, std::string cause) { tell(element, which, cause); });
+    checkRaster(
+        decodeBase64(std::string_view(uri).substr(uri.find(',') + 1)), isPng,
+        static_cast<int64_t>(numberOf(element.get("width"))),
+        static_cast<int64_t>(numberOf(element.get("height"))),
+        [&](const Rule& which, std::string cause) { tell(element, which, std::move(cause)); });
   }
 
   void checkLink(const XmlElement& element) {

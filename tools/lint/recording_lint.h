@@ -117,7 +117,9 @@ class RecordingLint {
   void check(Function<SVG_DrawImage>, uint16_t, const RECT*, const uint8_t*, int32_t, uint16_t);
   void checkSvgPicture(const RECT&, const uint8_t*, int32_t);
 
-  void report(const Rule& rule, std::string cause = {}) { reportAt(state_.line(), rule, cause); }
+  void report(const Rule& rule, std::string cause = {}) {
+    reportAt(state_.line(), rule, std::move(cause));
+  }
   void reportAt(int line, const Rule& rule, std::string cause = {}) {
     findings_.add(rule, static_cast<std::size_t>(line), std::move(cause));
   }

@@ -5,7 +5,8 @@
 #include "commands.h"
 #include "files.h"
 
-int main(int count, char** arguments) {
+// Only what sets the program up is outside of its try; if memory ends there, so does the program.
+int main(int count, char** arguments) {  // NOLINT(bugprone-exception-escape)
   using namespace qz::tools;
   CLI::App app(
       "Looks into pages that were drawn with qzsvggen: from recordings of calls (JSON "

@@ -45,6 +45,7 @@ fs::path findTracingLibrary() {
 // Returns the exit status, as a shell tells it.
 int runHost(std::vector<std::string>& command) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (std::string& each : command) arguments.push_back(each.data());
   arguments.push_back(nullptr);
   const pid_t child = fork();
