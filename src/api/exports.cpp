@@ -2,7 +2,6 @@
 #include <new>
 
 #include "api/svg_generator.h"
-#include "page/document.h"
 #include "shapes/shapes.h"
 #include "structures/groups.h"
 
@@ -33,12 +32,12 @@ int32_t closeGroup(SvgGenerator* generator) noexcept {
 // Writes the document and releases the page. A generator without a page writes the document of an
 // empty one.
 int32_t writeDocument(SvgGenerator& generator) {
-  const int32_t extraLength = generator.extraLength;
+  const size_t maxLength = generator.maxDocumentLength();
   generator.document = generator.page
-                           ? generator.page->takeDocument(extraLength)
-                           : Page({0, 0, 0, 0}, generator.inversion).takeDocument(extraLength);
+                           ? generator.page->takeDocument(maxLength)
+                           : Page({0, 0, 0, 0}, generator.inversion).takeDocument(maxLength);
   generator.page.reset();
-  return documentSize(generator.document.size(), extraLength);
+  return generator.documentSize();
 }
 
 }  // namespace
@@ -65,8 +64,8 @@ int32_t QZSVGGEN_CALL SVG_Close(SvgGenerator* generator, SVG_Char* buffer, int32
       return 0;
     }
   }
+  if (size != generator->documentSize()) return 0;
   MarkupText& document = generator->document;
-  if (size != documentSize(document.size(), generator->extraLength)) return 0;
   document.copyTo(buffer);
   buffer[document.size()] = 0;
   document.clear();
@@ -146,8 +145,7 @@ int32_t QZSVGGEN_CALL SVG_SetFont(SvgGenerator* generator, const SVG_Char* famil
                                   uint32_t familyLength, int32_t size, int32_t italic,
                                   int32_t bold) noexcept {
   return record(generator, [=](Page& page) {
-    const EscapedText escapedFamily(family, static_cast<int32_t>(familyLength));
-    page.fonts.set(escapedFamily.view(), size, italic != 0, bold != 0);
+    page.fonts.set(family, static_cast<int32_t>(familyLength), size, italic != 0, bold != 0);
   });
 }
 
@@ -210,7 +208,7 @@ int32_t QZSVGGEN_CALL SVG_AddClippingRegion(SvgGenerator* generator,
 
 int32_t QZSVGGEN_CALL SVG_ExcludeClippingRegion(SvgGenerator* generator,
                                                 const RECT* rectangle) noexcept {
-  return record(generator, [=](Page& page) { page.excludeFromRegion(*rectangle); });
+  return record(generator, [=](Page& page) { page.clips.exclude(*rectangle); });
 }
 
 int32_t QZSVGGEN_CALL SVG_EndClippingRegion(SvgGenerator* generator) noexcept {

@@ -1,7 +1,9 @@
 // The generator behind every handle.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 #include "invert/inversion.h"
@@ -11,12 +13,18 @@
 struct SvgGenerator {
   explicit SvgGenerator(const RECT& rectangle) : page(std::in_place, rectangle, inversion) {}
 
+  // The size that the document is reported to need, and the longest one whose size can be told.
+  int32_t documentSize() const { return static_cast<int32_t>(document.size()) + 1 + extraLength; }
+  size_t maxDocumentLength() const {
+    return static_cast<size_t>(std::numeric_limits<int32_t>::max() - 1 - extraLength);
+  }
+
   // What outlives the page.
   qz::InversionTrace inversion;
   // What is recorded; none after the first SVG_Close, which resets the page.
   std::optional<qz::Page> page;
   // The finished document, from the first SVG_Close to the second.
   qz::MarkupText document;
-  // Added to the size that a document is reported to need. Nothing sets it, so far.
+  // Added to the size that is reported. Nothing sets it, so far.
   int32_t extraLength = 0;
 };

@@ -25,9 +25,9 @@ void ClipRegions::add(const RECT* rectangle) {
   if (current_ != kNoRegion) extendCurrent(*rectangle, ClipAdded);
 }
 
-void ClipRegions::exclude(const RECT& rectangle, const RECT& page) {
+void ClipRegions::exclude(const RECT& rectangle) {
   if (current_ == kNoRegion) {  // both regions are made, or none
-    records_.push_back({page, ClipBase});
+    records_.push_back({page_, ClipBase});
     records_.push_back({rectangle, ClipExcluded});
     return startSeries(records_.size() - 2, 2);
   }

@@ -35,13 +35,15 @@ struct ClipRegionRecord {
 // If an operation fails, at most records were added that belong to no region.
 class ClipRegions {
  public:
+  explicit ClipRegions(const RECT& page) : page_(page) {}
+
   RegionNumber current() const { return current_; }
 
   void begin(const RECT& rectangle);
   // Without a current region it does nothing, and reads nothing.
   void add(const RECT* rectangle);
-  // Starts from `page` when no region is current.
-  void exclude(const RECT& rectangle, const RECT& page);
+  // Starts from the page when no region is current.
+  void exclude(const RECT& rectangle);
   void end() { current_ = kNoRegion; }
   // Tells whether the page has such a region; if not, nothing changes.
   bool select(uint32_t number);
@@ -75,6 +77,7 @@ class ClipRegions {
   void copyRecords(Change change);
   void startSeries(size_t firstRecord, size_t regionCount);
 
+  const RECT page_;
   std::vector<ClipRegionRecord> records_;
   std::vector<Series> series_;
   RegionNumber regionCount_ = 0;

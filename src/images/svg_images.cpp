@@ -2,7 +2,6 @@
 
 #include "base/make_room.h"
 #include "base/wrapping.h"
-#include "images/svg_text.h"
 #include "markup/content_hash.h"
 #include "markup/fraction.h"
 #include "shapes/path_data.h"
@@ -12,13 +11,29 @@ namespace {
 
 constexpr float kUnknownLength = 500;
 
-// The root start tag; the white space behind "<svg" is one space.
-template <class View>
-Utf16String rootTag(View text, const SvgCut& cut) {
-  const View tag = text.substr(cut.tagStart, cut.insideStart - cut.tagStart);
-  Utf16String units(tag.begin(), tag.end());
-  units[4] = ' ';
-  return units;
+// The whole content, as which it is known.
+uint32_t hashContent(const SvgPicture& picture) {
+  ContentHash hash;
+  hash.add(std::string_view("<g "));
+  hash.add(Utf16View(picture.root.others));
+  hash.add(std::string_view(">"));
+  picture.visitInside([&](auto inside) { hash.add(inside); });
+  hash.add(std::string_view("</g>"));
+  return static_cast<uint32_t>(hash.value());
+}
+
+// The attributes that give a placement its size. The picture's own size counts only when it has no
+// viewBox.
+void writeSizing(MarkupText& out, const SvgRootAttributes& root, const RECT& bounds) {
+  const int32_t width = wrappingSubtract(bounds.right, bounds.left);
+  const int32_t height = wrappingSubtract(bounds.bottom, bounds.top);
+  out.append(" width=\"", width, "\" height=\"", height, "\" viewBox=\"");
+  if (root.viewBox.empty())
+    out.append("0 0 ", Fraction(parseSvgLength(root.width, width).value_or(kUnknownLength)), " ",
+               Fraction(parseSvgLength(root.height, height).value_or(kUnknownLength)));
+  else
+    out.appendText(Utf16View(root.viewBox));
+  out.append("\"");
 }
 
 }  // namespace
@@ -31,70 +46,36 @@ void Symbol::write(MarkupText& out) const {
 std::optional<uint32_t> SvgImages::findOrRegister(const RECT& bounds, const uint8_t* bytes,
                                                   size_t size) {
   if (repeated_.equal(bytes, size)) return findOrRegisterSymbol(repeatedPicture_, bounds);
-  std::optional<Picture> picture = parseSvgImage(bytes, size);
-  if (!picture) return std::nullopt;
-  const uint32_t symbol = findOrRegisterSymbol(*picture, bounds);
-  if (picture->isKnown) {
+  std::optional<SvgPicture> parsed = parseSvgPicture(bytes, size);
+  if (!parsed) return std::nullopt;
+  const uint32_t hash = hashContent(*parsed);
+  const auto known = contentIndex_.find(hash);
+  const uint32_t id = known ? *known : registerContent(*parsed, hash);
+  Picture picture{std::move(parsed->root), hash, id};
+  const uint32_t symbol = findOrRegisterSymbol(picture, bounds);
+  if (known) {
     repeated_.remember(bytes, size);
-    repeatedPicture_ = std::move(*picture);
+    repeatedPicture_ = std::move(picture);
   }
   return symbol;
 }
 
-std::optional<SvgImages::Picture> SvgImages::parseSvgImage(const uint8_t* bytes, size_t size) {
-  return SvgText(bytes, size).visit([this](auto text) { return registerContent(text); });
-}
-
-template <class View>
-std::optional<SvgImages::Picture> SvgImages::registerContent(View text) {
-  const std::optional<SvgCut> cut = cutSvg(text);
-  if (!cut) return std::nullopt;
-  const View inside = text.substr(cut->insideStart, cut->insideLength);
-  Picture picture{parseSvgRoot(rootTag(text, *cut)), 0, 0, false};
-
-  ContentHash hash;
-  hash.add(std::string_view("<g "));
-  hash.add(Utf16View(picture.root.others));
-  hash.add(std::string_view(">"));
-  hash.add(inside);
-  hash.add(std::string_view("</g>"));
-  picture.contentHash = static_cast<uint32_t>(hash.value());
-  if (const auto known = contentIndex_.find(picture.contentHash)) {
-    picture.contentId = *known;
-    picture.isKnown = true;
-    return picture;
-  }
-
+uint32_t SvgImages::registerContent(const SvgPicture& picture, uint32_t contentHash) {
   contentIndex_.makeRoom();
   contents_.appendWhole([&](MarkupText& out) {
     out.append("<g id=\"QZ_G", contentCount_, "\"><g ");
     out.appendText(Utf16View(picture.root.others));
     out.append(">");
-    out.appendText(inside);
+    picture.visitInside([&](auto inside) { out.appendText(inside); });
     out.append("</g></g>");
   });
-  contentIndex_.insert(picture.contentHash, contentCount_);
-  picture.contentId = contentCount_++;
-  return picture;
-}
-
-// The attributes that give a placement its size. The picture's own size counts only when it has no
-// viewBox.
-void SvgImages::writeSizing(const SvgRootAttributes& root, const RECT& bounds) {
-  const int32_t width = wrappingSubtract(bounds.right, bounds.left);
-  const int32_t height = wrappingSubtract(bounds.bottom, bounds.top);
-  sizing_.restart();
-  sizing_.append(" width=\"", width, "\" height=\"", height, "\" viewBox=\"");
-  if (root.viewBox.empty())
-    sizing_.append("0 0 ", Fraction(parseSvgLength(root.width, width).value_or(kUnknownLength)),
-                   " ", Fraction(parseSvgLength(root.height, height).value_or(kUnknownLength)));
-  else
-    sizing_.appendText(Utf16View(root.viewBox));
-  sizing_.append("\"");
+  contentIndex_.insert(contentHash, contentCount_);
+  return contentCount_++;
 }
 
 uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture, const RECT& bounds) {
-  writeSizing(picture.root, bounds);
+  sizing_.restart();
+  writeSizing(sizing_, picture.root, bounds);
   ContentHash hash;
   hash.add(sizing_);
   const SymbolKey wanted{hash.value(), picture.contentHash};

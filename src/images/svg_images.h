@@ -7,7 +7,7 @@
 
 #include "base/hash_index.h"
 #include "images/repeated_bytes.h"
-#include "images/svg_root.h"
+#include "images/svg_picture.h"
 #include "markup/markup_text.h"
 
 namespace qz {
@@ -34,33 +34,29 @@ class SvgImages {
   MarkupText& symbols() { return symbols_; }
 
  private:
-  // What is known of one picture's bytes.
+  // A picture whose content is registered.
   struct Picture {
     SvgRootAttributes root;
     uint32_t contentHash;
     uint32_t contentId;  // "QZ_G" and this number
-    bool isKnown;        // the content was registered before
   };
   struct SymbolKey {
     uint64_t sizingHash;
     uint32_t contentHash;
   };
 
-  std::optional<Picture> parseSvgImage(const uint8_t* bytes, size_t size);
-  template <class View>
-  std::optional<Picture> registerContent(View text);
-  void writeSizing(const SvgRootAttributes& root, const RECT& bounds);
+  uint32_t registerContent(const SvgPicture& picture, uint32_t contentHash);
   uint32_t findOrRegisterSymbol(const Picture& picture, const RECT& bounds);
 
   MarkupText contents_;
   MarkupText symbols_;
-  MarkupText sizing_;  // scratch
+  MarkupText sizing_;  // scratch, of findOrRegisterSymbol()
   uint32_t contentCount_ = 0;
   HashIndex contentIndex_;
   std::vector<SymbolKey> symbolKeys_;
   HashIndex symbolIndex_;
   RepeatedBytes repeated_;
-  Picture repeatedPicture_;
+  Picture repeatedPicture_{};
 };
 
 }  // namespace qz

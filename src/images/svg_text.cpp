@@ -36,29 +36,6 @@ void appendCodePoint(Utf16String& out, uint32_t point) {
   out.push_back(static_cast<CodeUnit>(point));
 }
 
-template <class Character>
-bool isSpace(Character character) {
-  return character == ' ' || character == '\t' || character == '\n' || character == '\r';
-}
-
-template <class Character>
-std::optional<SvgCut> cut(std::basic_string_view<Character> text) {
-  constexpr Character kRoot[] = {'<', 's', 'v', 'g'};
-  constexpr Character kEnd[] = {'<', '/', 's', 'v', 'g', '>'};
-  constexpr auto kNone = text.npos;
-
-  size_t tag = text.find(kRoot, 0, std::size(kRoot));
-  while (tag != kNone && !(tag + 4 < text.size() && isSpace(text[tag + 4])))
-    tag = text.find(kRoot, tag + 1, std::size(kRoot));
-  if (tag == kNone) return std::nullopt;
-  const size_t tagEnd = text.find(Character{'>'}, tag + 5);
-  if (tagEnd == kNone) return std::nullopt;
-  const size_t inside = tagEnd + 1;
-  const size_t end = text.rfind(kEnd, kNone, std::size(kEnd));
-  if (end == kNone || end < inside) return std::nullopt;
-  return SvgCut{tag, inside, end - inside};
-}
-
 }  // namespace
 
 SvgText::SvgText(const uint8_t* bytes, size_t size) {
@@ -97,8 +74,5 @@ void SvgText::decodeUtf16(const uint8_t* bytes, size_t size, bool bigEndian) {
   for (size_t i = 0; i < units_.size(); ++i)
     units_[i] = static_cast<CodeUnit>(bytes[2 * i + high] << 8 | bytes[2 * i + 1 - high]);
 }
-
-std::optional<SvgCut> cutSvg(std::string_view text) { return cut(text); }
-std::optional<SvgCut> cutSvg(Utf16View text) { return cut(text); }
 
 }  // namespace qz

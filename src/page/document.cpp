@@ -1,7 +1,4 @@
 // What Page writes around its content: the template of the finished document.
-#include "page/document.h"
-
-#include <limits>
 #include <stdexcept>
 
 #include "base/wrapping.h"
@@ -42,7 +39,7 @@ MarkupText Page::writeEnd() const {
   return out;
 }
 
-MarkupText Page::takeDocument(int32_t extraLength) {
+MarkupText Page::takeDocument(size_t maxLength) {
   MarkupText document = writeStart();
   MarkupText middle = writeMiddle();
   MarkupText blockEnd;
@@ -58,17 +55,11 @@ MarkupText Page::takeDocument(int32_t extraLength) {
                                &blockEnd,
                                &content_.text(),
                                &end};
-  uint64_t length = document.size();
+  size_t length = document.size();
   for (const MarkupText* part : parts) length += part->size();
-  if (documentSize(length, extraLength) == 0) throw std::length_error("document too long");
+  if (length > maxLength) throw std::length_error("document too long");
   for (MarkupText* part : parts) document.join(*part);
   return document;
-}
-
-int32_t documentSize(uint64_t length, int32_t extraLength) {
-  constexpr uint64_t kLargest = std::numeric_limits<int32_t>::max();
-  const auto extra = static_cast<uint64_t>(extraLength) + 1;
-  return length > kLargest - extra ? 0 : static_cast<int32_t>(length + extra);
 }
 
 }  // namespace qz

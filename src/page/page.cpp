@@ -18,6 +18,13 @@ struct PaintedShape {
 
 }  // namespace
 
+void Page::draw(const Shape& shape) {
+  if (blocks_.isOpen())
+    blocks_.draw(shape);
+  else
+    addElement(PaintedShape{shape, paint_});
+}
+
 // Each element goes through here: it enters the current region, marks it, and declares the
 // extension namespace if it uses it. (Groups go through openGroup(), outlines into the open block.)
 template <class Element>
@@ -27,33 +34,15 @@ void Page::addElement(const Element& element) {
   usesExtensionNamespace_ |= element.usesExtensionNamespace();
 }
 
-void Page::setFill(Colour fill) {
-  paint_.setFill(fill, invertPainting_);
-  noteInversion();
-}
-
-void Page::setStroke(Colour stroke, uint32_t width) {
-  paint_.setStroke(stroke, width, invertPainting_);
-  noteInversion();
-}
-
-// Paint that is set while invert painting is on leaves its trace in the generator.
-void Page::noteInversion() {
-  if (invertPainting_) inversion_.usesInversion = true;
-}
-
-void Page::draw(const Shape& shape) {
-  if (blocks_.isOpen())
-    blocks_.draw(shape);
-  else
-    addElement(PaintedShape{shape, paint_});
-}
-
 void Page::drawText(const CodeUnit* text, int32_t length, const POINT& origin,
                     const int32_t* advances, uint32_t characterScaling) {
-  const EscapedText escapedText(text, length);
-  addElement(TextRun{escapedText.view(), origin, advances, length, characterScaling,
-                     fonts.current(), paint_.attributes()});
+  addElement(TextRun{{text, length},
+                     origin,
+                     advances,
+                     length,
+                     characterScaling,
+                     fonts.current(),
+                     paint_.attributes()});
   fonts.markUsed();
 }
 
@@ -72,12 +61,7 @@ void Page::addTarget(const DocumentTarget& target) { addElement(target); }
 
 void Page::beginBlock() {
   endBlock();
-  struct BlockStart {
-    const PaintAttributes& paint;
-    void write(MarkupText& out) const { out.append("<g", paint, ">"); }
-    bool usesExtensionNamespace() const { return false; }
-  };
-  addElement(BlockStart{paint_.attributes()});
+  addElement(CharacterBlockStart{paint_.attributes()});
   content_.beginBlock();
   blocks_.begin();
 }
@@ -94,6 +78,21 @@ void Page::openGroup(const Group& group) {
   content_.openGroup(clips.current(), group);
   clips.markUsed();
   usesExtensionNamespace_ = true;
+}
+
+void Page::setFill(Colour fill) {
+  paint_.setFill(fill, invertPainting_);
+  noteInversion();
+}
+
+void Page::setStroke(Colour stroke, uint32_t width) {
+  paint_.setStroke(stroke, width, invertPainting_);
+  noteInversion();
+}
+
+// Paint that is set while invert painting is on leaves its trace in the generator.
+void Page::noteInversion() {
+  if (invertPainting_) inversion_.usesInversion = true;
 }
 
 }  // namespace qz

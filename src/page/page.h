@@ -1,6 +1,7 @@
 // The page that is recorded: where the modules meet.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "clip/clip_regions.h"
@@ -24,12 +25,10 @@ class Page {
  public:
   // The inversion is the generator's and outlives the page.
   Page(const RECT& rectangle, InversionTrace& inversion)
-      : rectangle_(rectangle), inversion_(inversion) {}
+      : clips(rectangle), rectangle_(rectangle), inversion_(inversion) {}
 
   ClipRegions clips;
   Fonts fonts;
-
-  void excludeFromRegion(const RECT& rectangle) { clips.exclude(rectangle, rectangle_); }
 
   void setFill(Colour fill);
   void setStroke(Colour stroke, uint32_t width);
@@ -53,8 +52,9 @@ class Page {
   void closeGroup() { content_.closeGroup(); }
 
   // The page as a finished document, taken off the page. Fails only before anything was taken, also
-  // with std::length_error when documentSize() would tell no size: then the page is unchanged.
-  MarkupText takeDocument(int32_t extraLength);
+  // with std::length_error when the document would have more code units: then the page is
+  // unchanged.
+  MarkupText takeDocument(size_t maxLength);
 
  private:
   template <class Element>

@@ -28,17 +28,21 @@ struct OffsetAttribute {
 
 }  // namespace
 
+void CharacterBlockStart::write(MarkupText& out) const { out.append("<g", paint, ">"); }
+
 void CharacterBlocks::begin() noexcept {
   assert(!open_ && text_.empty());
   ++blockCount_;
   open_ = true;
+  firstGlyphs_.clear();
+  reference_ = kNoReference;
+  partCount_ = 0;
+  bodyWaits_ = false;
 }
 
 MarkupText& CharacterBlocks::end() {
   assert(open_);
   text_.appendWhole([this](MarkupText& out) { writeEnd(out); });
-  bodyWaits_ = false;
-  firstGlyphs_.clear();
   open_ = false;
   return text_;
 }

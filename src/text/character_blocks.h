@@ -5,19 +5,28 @@
 #include <vector>
 
 #include "markup/markup_text.h"
+#include "paint/paint.h"
 #include "shapes/shapes.h"
 #include "text/glyph_index.h"
 
 namespace qz {
 
-// The character blocks of one page. At most one is open, the newest; its markup stands here until
-// it ends.
+// The start tag of a block: an element of the page.
+struct CharacterBlockStart {
+  const PaintAttributes& paint;
+
+  void write(MarkupText& out) const;
+  bool usesExtensionNamespace() const { return false; }
+};
+
+// The character blocks of one page. At most one is open, the newest; what follows its start tag
+// stands here until it ends.
 class CharacterBlocks {
  public:
   bool isOpen() const { return open_; }
-  // Begins a block, whose start tag the page has written. None may be open.
+  // Begins a block. None may be open.
   void begin() noexcept;
-  // Ends the open block and returns its markup after the start tag, for the page to take.
+  // Ends the open block and returns what follows its start tag, for the page to take.
   MarkupText& end();
 
   // Starts a character. One with a `reference`, the index of an earlier one, repeats the first

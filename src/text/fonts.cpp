@@ -4,11 +4,13 @@
 
 #include "base/make_room.h"
 #include "markup/content_hash.h"
+#include "markup/escaped_text.h"
 
 namespace qz {
 
-void Fonts::set(Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
-  writeCss(escapedFamily, size, italic, bold);
+void Fonts::set(const CodeUnit* family, int32_t familyLength, int32_t size, bool italic,
+                bool bold) {
+  writeCss(EscapedText(family, familyLength).view(), size, italic, bold);
   ContentHash key;
   key.add(Utf16View(css_));
   if (const auto known = index_.find(key.value())) {

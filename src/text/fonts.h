@@ -26,7 +26,7 @@ class Fonts {
   FontNumber current() const { return current_; }
 
   // A font is known by the hash of its CSS text alone: two texts with one hash share a rule.
-  void set(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
+  void set(const CodeUnit* family, int32_t familyLength, int32_t size, bool italic, bool bold);
   void clear() { current_ = kNoFont; }
   // A text run refers to the current font, so it is written.
   void markUsed() noexcept {

@@ -47,7 +47,7 @@ void TextRun::write(MarkupText& out) const {
                characterScaling, "\"");
   }
   out.append(" xml:space=\"preserve\">");
-  out.appendText(escapedText);
+  out.appendText(text.view());
   out.append("</text>");
 }
 

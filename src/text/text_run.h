@@ -12,7 +12,7 @@ namespace qz {
 
 // A run of characters, with a position for each or for the first alone.
 struct TextRun {
-  Utf16View escapedText;
+  EscapedText text;
   POINT origin;
   const int32_t* advances;  // null, or one for each of `count` code units
   int32_t count;
