@@ -1,5 +1,6 @@
 // The exported functions: adaptors between the C interface and the page.
 #include <new>
+#include <utility>
 
 #include "api/svg_generator.h"
 #include "shapes/shapes.h"
@@ -34,7 +35,7 @@ int32_t closeGroup(SvgGenerator* generator) noexcept {
 int32_t writeDocument(SvgGenerator& generator) {
   const size_t maxLength = generator.maxDocumentLength();
   generator.document = generator.page
-                           ? generator.page->takeDocument(maxLength)
+                           ? std::move(*generator.page).takeDocument(maxLength)
                            : Page({0, 0, 0, 0}, generator.inversion).takeDocument(maxLength);
   generator.page.reset();
   return generator.documentSize();

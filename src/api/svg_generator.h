@@ -1,6 +1,7 @@
 // The generator behind every handle.
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -12,9 +13,14 @@
 
 struct SvgGenerator {
   explicit SvgGenerator(const RECT& rectangle) : page(std::in_place, rectangle, inversion) {}
+  SvgGenerator(const SvgGenerator&) = delete;  // the page refers to the inversion
+  SvgGenerator& operator=(const SvgGenerator&) = delete;
 
   // The size that the document is reported to need, and the longest one whose size can be told.
-  int32_t documentSize() const { return static_cast<int32_t>(document.size()) + 1 + extraLength; }
+  int32_t documentSize() const {
+    assert(document.size() <= maxDocumentLength());
+    return static_cast<int32_t>(document.size()) + 1 + extraLength;
+  }
   size_t maxDocumentLength() const {
     return static_cast<size_t>(std::numeric_limits<int32_t>::max() - 1 - extraLength);
   }
@@ -25,6 +31,6 @@ struct SvgGenerator {
   std::optional<qz::Page> page;
   // The finished document, from the first SVG_Close to the second.
   qz::MarkupText document;
-  // Added to the size that is reported. Nothing sets it, so far.
+  // Added to the size that is reported. Always 0 in the library; a test pretends lengths by it.
   int32_t extraLength = 0;
 };

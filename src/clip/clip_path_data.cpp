@@ -1,6 +1,7 @@
 #include "clip/clip_path_data.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "base/wrapping.h"
 #include "shapes/path_data.h"
@@ -32,6 +33,7 @@ void ClipPathData::restart() {
 
 void ClipPathData::writeClipPath(MarkupText& out, RegionNumber number,
                                  std::span<const ClipRegionRecord> records) {
+  assert(!records.front().isExcluded());
   while (recordCount_ < records.size() && canContinue(records[recordCount_])) {
     const ClipRegionRecord& next = records[recordCount_++];
     if (next.isExcluded()) {

@@ -2,7 +2,8 @@
 
 #include <span>
 
-#include "clip/clip_regions.h"
+#include "clip/clip_region.h"
+#include "markup/markup_text.h"
 
 namespace qz {
 
@@ -13,7 +14,7 @@ namespace qz {
 // is meant. The text of a region that only grew goes on from that of the one before.
 class ClipPathData {
  public:
-  // What follows are regions with another beginning.
+  // Starts from nothing, as for regions with another beginning.
   void restart();
   // Writes the definition of the region with these records.
   void writeClipPath(MarkupText& out, RegionNumber number,

@@ -85,11 +85,12 @@ void ClipRegions::copyRecords(Change change) {
   }
 }
 
-// Makes regions of the records from the first one on; the last of them becomes current.
-void ClipRegions::startSeries(size_t firstRecord, size_t regionCount) {
+// Makes `length` regions, each a record longer than the one before; the last one, of all records
+// from the first on, becomes current.
+void ClipRegions::startSeries(size_t firstRecord, size_t length) {
   const size_t count = records_.size() - firstRecord;
-  series_.push_back({regionCount_, {firstRecord, count - (regionCount - 1)}});
-  regionCount_ += static_cast<RegionNumber>(regionCount);
+  series_.push_back({regionCount_, {firstRecord, count - (length - 1)}});
+  regionCount_ += static_cast<RegionNumber>(length);
   current_ = regionCount_ - 1;
   stretch_ = {firstRecord, count};
 }

@@ -4,28 +4,10 @@
 #include <cstdint>
 #include <vector>
 
+#include "clip/clip_region.h"
 #include "markup/markup_text.h"
 
 namespace qz {
-
-// The number of a region on its page; the region's id is "QZ_C" and that number.
-using RegionNumber = int32_t;
-inline constexpr RegionNumber kNoRegion = -1;
-
-enum ClipMode : uint32_t {
-  ClipBase = 1,      // the rectangle that began the region
-  ClipAdded = 2,     // a further one
-  ClipExcluded = 4,  // one cut out
-  ClipUsed = 8,      // set as well where a region ends under which an element was drawn
-};
-
-// One rectangle of a region. Each region ends with a record that no other region ends with.
-struct ClipRegionRecord {
-  RECT rect;
-  uint32_t mode;
-  bool isExcluded() const { return (mode & ClipExcluded) != 0; }
-  bool endsUsedRegion() const { return (mode & ClipUsed) != 0; }
-};
 
 // The regions of one page, numbered in the order in which they are made, and the current one.
 //
@@ -75,7 +57,7 @@ class ClipRegions {
   void replaceCuts(const RECT& cut);
   template <class Change>
   void copyRecords(Change change);
-  void startSeries(size_t firstRecord, size_t regionCount);
+  void startSeries(size_t firstRecord, size_t length);
 
   const RECT page_;
   std::vector<ClipRegionRecord> records_;

@@ -12,12 +12,13 @@ namespace {
 constexpr float kUnknownLength = 500;
 
 // The whole content, as which it is known.
-uint32_t hashContent(const SvgPicture& picture) {
+uint32_t hashContent(const SvgImage& image) {
   ContentHash hash;
   hash.add(std::string_view("<g "));
-  hash.add(Utf16View(picture.root.others));
+  hash.add(Utf16View(image.root.others));
   hash.add(std::string_view(">"));
-  picture.visitInside([&](auto inside) { hash.add(inside); });
+  hash.add(image.insideAscii());
+  hash.add(image.insideUnits());
   hash.add(std::string_view("</g>"));
   return static_cast<uint32_t>(hash.value());
 }
@@ -46,12 +47,12 @@ void Symbol::write(MarkupText& out) const {
 std::optional<uint32_t> SvgImages::findOrRegister(const RECT& bounds, const uint8_t* bytes,
                                                   size_t size) {
   if (repeated_.equal(bytes, size)) return findOrRegisterSymbol(repeatedPicture_, bounds);
-  std::optional<SvgPicture> parsed = parseSvgPicture(bytes, size);
-  if (!parsed) return std::nullopt;
-  const uint32_t hash = hashContent(*parsed);
+  std::optional<SvgImage> image = parseSvgImage(bytes, size);
+  if (!image) return std::nullopt;
+  const uint32_t hash = hashContent(*image);
   const auto known = contentIndex_.find(hash);
-  const uint32_t id = known ? *known : registerContent(*parsed, hash);
-  Picture picture{std::move(parsed->root), hash, id};
+  const uint32_t id = known ? *known : registerContent(*image, hash);
+  Picture picture{std::move(image->root), hash, id};
   const uint32_t symbol = findOrRegisterSymbol(picture, bounds);
   if (known) {
     repeated_.remember(bytes, size);
@@ -60,13 +61,14 @@ std::optional<uint32_t> SvgImages::findOrRegister(const RECT& bounds, const uint
   return symbol;
 }
 
-uint32_t SvgImages::registerContent(const SvgPicture& picture, uint32_t contentHash) {
+uint32_t SvgImages::registerContent(const SvgImage& image, uint32_t contentHash) {
   contentIndex_.makeRoom();
   contents_.appendWhole([&](MarkupText& out) {
     out.append("<g id=\"QZ_G", contentCount_, "\"><g ");
-    out.appendText(Utf16View(picture.root.others));
+    out.appendText(Utf16View(image.root.others));
     out.append(">");
-    picture.visitInside([&](auto inside) { out.appendText(inside); });
+    out.appendText(image.insideAscii());
+    out.appendText(image.insideUnits());
     out.append("</g></g>");
   });
   contentIndex_.insert(contentHash, contentCount_);

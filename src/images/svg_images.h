@@ -7,7 +7,7 @@
 
 #include "base/hash_index.h"
 #include "images/repeated_bytes.h"
-#include "images/svg_picture.h"
+#include "images/svg_image.h"
 #include "markup/markup_text.h"
 
 namespace qz {
@@ -45,7 +45,7 @@ class SvgImages {
     uint32_t contentHash;
   };
 
-  uint32_t registerContent(const SvgPicture& picture, uint32_t contentHash);
+  uint32_t registerContent(const SvgImage& image, uint32_t contentHash);
   uint32_t findOrRegisterSymbol(const Picture& picture, const RECT& bounds);
 
   MarkupText contents_;

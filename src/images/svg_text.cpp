@@ -5,7 +5,7 @@
 namespace qz {
 namespace {
 
-bool isAscii(std::string_view text) {
+bool allAscii(std::string_view text) {
   unsigned bits = 0;
   for (const char character : text) bits |= static_cast<unsigned char>(character);
   return bits < 0x80;
@@ -57,7 +57,7 @@ SvgText::SvgText(const uint8_t* bytes, size_t size) {
 // A sequence that the end cuts off is dropped, a byte that starts none is the unit 0.
 void SvgText::decodeUtf8(const uint8_t* bytes, size_t size) {
   ascii_ = std::string_view(reinterpret_cast<const char*>(bytes), size);
-  isAscii_ = isAscii(ascii_);
+  isAscii_ = allAscii(ascii_);
   if (isAscii_) return;
   units_.reserve(size);
   for (size_t i = 0; i < size;) {

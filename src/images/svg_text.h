@@ -15,11 +15,10 @@ class SvgText {
   // UTF-8 or UTF-16, told by the first bytes.
   SvgText(const uint8_t* bytes, size_t size);
 
-  // Calls use(std::string_view) or use(Utf16View).
-  template <class Use>
-  auto visit(Use use) const {
-    return isAscii_ ? use(ascii_) : use(Utf16View(units_));
-  }
+  bool isAscii() const { return isAscii_; }
+  // The text, if it is plain ASCII; else the units are.
+  std::string_view ascii() const { return ascii_; }
+  Utf16View units() const { return units_; }
 
  private:
   void decodeUtf8(const uint8_t* bytes, size_t size);

@@ -1,4 +1,5 @@
 // What Page writes around its content: the template of the finished document.
+#include <cassert>
 #include <stdexcept>
 
 #include "base/wrapping.h"
@@ -39,7 +40,8 @@ MarkupText Page::writeEnd() const {
   return out;
 }
 
-MarkupText Page::takeDocument(size_t maxLength) {
+MarkupText Page::takeDocument(size_t maxLength) && {
+  assert(blocks_.isOpen() || blocks_.text().empty());
   MarkupText document = writeStart();
   MarkupText middle = writeMiddle();
   MarkupText blockEnd;

@@ -67,7 +67,9 @@ void Page::beginBlock() {
 }
 
 void Page::endBlock() {
-  if (blocks_.isOpen()) content_.endBlock(blocks_.end());
+  if (!blocks_.isOpen()) return;
+  blocks_.end(content_.textBeforeBlock());
+  content_.endBlock();
 }
 
 void Page::beginCharacter(const POINT* position, uint32_t reference) {

@@ -16,8 +16,8 @@
 
 namespace qz {
 
-// The sum of the modules' small states. What needs one module alone is that module's own operation
-// (`clips`, `fonts`); what needs several is an operation of the page.
+// The sum of the modules' small states, and what needs several of them. Regions and fonts are also
+// set by themselves: `clips`, `fonts`.
 //
 // A call whose memory is exhausted throws std::bad_alloc and leaves the page as it was, or with a
 // part of a picture, a character or a character block; every page closes to a well-formed document.
@@ -46,15 +46,16 @@ class Page {
 
   void beginBlock();
   void endBlock();
+  // Nothing without an open block. A reference: see CharacterBlocks.
   void beginCharacter(const POINT* position, uint32_t reference = CharacterBlocks::kNoReference);
 
   void openGroup(const Group& group);
   void closeGroup() { content_.closeGroup(); }
 
-  // The page as a finished document, taken off the page. Fails only before anything was taken, also
-  // with std::length_error when the document would have more code units: then the page is
-  // unchanged.
-  MarkupText takeDocument(size_t maxLength);
+  // The page as a finished document, taken off the page, which is of no use then. Fails only before
+  // anything was taken, also with std::length_error when the document would have more code units:
+  // then the page is unchanged.
+  MarkupText takeDocument(size_t maxLength) &&;
 
  private:
   template <class Element>

@@ -22,8 +22,7 @@ void PageContent::writeRegionChange(MarkupText& out, RegionNumber region) const 
   if (region != kNoRegion) out.append("<g clip-path=\"url(#QZ_C", region, ")\">");
 }
 
-void PageContent::endBlock(MarkupText& block) noexcept {
-  textBeforeBlock_.join(block);
+void PageContent::endBlock() noexcept {
   textBeforeBlock_.join(text_);
   text_.swap(textBeforeBlock_);
 }

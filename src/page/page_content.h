@@ -2,8 +2,8 @@
 //
 // There is no tree of element objects. Calls come in the order in which their elements stand in the
 // document, so each element is a value that writes itself here at once, and is gone when the call
-// returns. What a later call decides (whether a clip group goes on, where a group ends) is only
-// ever written with that later call.
+// returns. What a later call decides (whether a clip group goes on, where a group ends) is written
+// with that later call, or at the close.
 #pragma once
 
 #include <cassert>
@@ -41,9 +41,10 @@ class PageContent {
     assert(textBeforeBlock_.empty());
     textBeforeBlock_.swap(text_);
   }
-  void endBlock(MarkupText& block) noexcept;
+  // The block's text stands at the end of textBeforeBlock() by now.
+  void endBlock() noexcept;
 
-  // For the document.
+  // The content: up to the open block, if there is one, and from there on.
   MarkupText& textBeforeBlock() { return textBeforeBlock_; }
   MarkupText& text() { return text_; }
   // What ends all that is still open.

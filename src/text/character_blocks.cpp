@@ -40,11 +40,11 @@ void CharacterBlocks::begin() noexcept {
   bodyWaits_ = false;
 }
 
-MarkupText& CharacterBlocks::end() {
+void CharacterBlocks::end(MarkupText& out) {
   assert(open_);
-  text_.appendWhole([this](MarkupText& out) { writeEnd(out); });
+  text_.appendWhole([this](MarkupText& text) { writeEnd(text); });
+  out.join(text_);
   open_ = false;
-  return text_;
 }
 
 void CharacterBlocks::writeEnd(MarkupText& out) const {
@@ -82,7 +82,7 @@ void CharacterBlocks::draw(const Shape& shape) {
       out.append(".0\"");
       out.appendText(body_);
     });
-    glyphs_[firstGlyphs_.back()].part = 0;
+    glyphs_.makeFirstPart(firstGlyphs_.back());
     bodyWaits_ = false;
   }
   const GlyphNumber glyph = place(shape);
@@ -92,36 +92,39 @@ void CharacterBlocks::draw(const Shape& shape) {
 
 // Writes an outline, or a use of the one that it equals.
 GlyphNumber CharacterBlocks::place(const Shape& shape) {
+  assert(!bodyWaits_);
   const TypedPoints* const path = shape.typedPoints();
   GlyphNumber known = path == nullptr ? kNoGlyph : glyphs_.findByPoints(*path);
   if (known == kNoGlyph) {
     body_.restart();
     const uint64_t textHash = shape.writeHashedBody(body_, {position_, 0}).value();
     known = glyphs_.findByText(textHash);
-    if (known == kNoGlyph) return define(shape, textHash);
+    if (known == kNoGlyph) return define(shape.tag(), body_, textHash);
     if (path != nullptr) glyphs_.rememberPoints(*path, known);
   }
   writeUse(text_, known);
   return known;
 }
 
-// An outline that is seen for the first time; its body is written already.
-GlyphNumber CharacterBlocks::define(const Shape& shape, uint64_t textHash) {
+// Writes an outline that is seen for the first time, or only its start, if it is a character's
+// first.
+GlyphNumber CharacterBlocks::define(const TagStart& tag, const MarkupText& body,
+                                    uint64_t textHash) {
   const int32_t part = partCount_ == 0 ? Glyph::kOnlyPart : partCount_;
   const Glyph glyph{blockCount_ - 1, character(), part, position_};
   glyphs_.makeRoom();
   text_.appendWhole([&](MarkupText& out) {
-    out.append(shape.tag(), " id=\"", GlyphId{glyph});
+    out.append(tag, " id=\"", GlyphId{glyph});
     if (partCount_ == 0) return;
     out.append("\"");
-    out.appendText(body_);
+    out.appendText(body);
   });
   bodyWaits_ = partCount_ == 0;
-  glyphs_.add(textHash, glyph);
-  return glyphs_.count() - 1;
+  return glyphs_.add(textHash, glyph);
 }
 
-// A character at (0, 0) is the exception: it gets the glyph's position as it is, not negated.
+// One append, so it is whole or nothing. A character at (0, 0) is the exception: it gets the
+// glyph's position as it is, not negated.
 void CharacterBlocks::writeUse(MarkupText& out, GlyphNumber number) const {
   const Glyph glyph = glyphs_[number];
   POINT offset = glyph.origin;

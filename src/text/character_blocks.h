@@ -26,8 +26,8 @@ class CharacterBlocks {
   bool isOpen() const { return open_; }
   // Begins a block. None may be open.
   void begin() noexcept;
-  // Ends the open block and returns what follows its start tag, for the page to take.
-  MarkupText& end();
+  // Ends the open block: what follows its start tag goes to the end of `out`.
+  void end(MarkupText& out);
 
   // Starts a character. One with a `reference`, the index of an earlier one, repeats the first
   // outline of that character, unless it is drawn after all.
@@ -36,13 +36,13 @@ class CharacterBlocks {
   // Adds an outline to the newest character; before the first one it does nothing, reads nothing.
   void draw(const Shape& shape);
 
-  // For a document in which a block is still open: its markup, and what ends it.
+  // For the document: what follows the start tag of a block that is still open, and what ends it.
   MarkupText& text() { return text_; }
   void writeEnd(MarkupText& out) const;
 
  private:
   GlyphNumber place(const Shape& shape);
-  GlyphNumber define(const Shape& shape, uint64_t textHash);
+  GlyphNumber define(const TagStart& tag, const MarkupText& body, uint64_t textHash);
   void writeUse(MarkupText& out, GlyphNumber glyph) const;
   void writeCharacterEnd(MarkupText& out) const;
   int32_t character() const { return static_cast<int32_t>(firstGlyphs_.size()) - 1; }
@@ -58,9 +58,8 @@ class CharacterBlocks {
   POINT position_{0, 0};
   uint32_t reference_ = kNoReference;
   int32_t partCount_ = 0;
-  // What follows the id of the outline that was written last, from the attributes' end. After a
-  // character's first outline it waits for the next call: whether the id tells the part depends on
-  // whether there is a second one.
+  // Scratch for an outline's body. That of a character's first outline waits here for the next
+  // call: whether the id in front of it tells the part depends on whether there is a second one.
   MarkupText body_;
   bool bodyWaits_ = false;
 };

@@ -7,10 +7,26 @@
 #include "markup/escaped_text.h"
 
 namespace qz {
+namespace {
+
+void writeCss(Utf16String& out, Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
+  const auto append = [&out](std::string_view text) { out.append(text.begin(), text.end()); };
+  append("font:");
+  if (bold) append("bold ");
+  if (italic) append("italic ");
+  char digits[kMaxDecimalSize<int32_t> + kDecimalOverrun];
+  append({digits, static_cast<size_t>(writeDecimal(digits, size) - digits)});
+  append("px ");
+  out.append(escapedFamily);
+  append(";");
+}
+
+}  // namespace
 
 void Fonts::set(const CodeUnit* family, int32_t familyLength, int32_t size, bool italic,
                 bool bold) {
-  writeCss(EscapedText(family, familyLength).view(), size, italic, bold);
+  css_.clear();
+  writeCss(css_, EscapedText(family, familyLength).view(), size, italic, bold);
   ContentHash key;
   key.add(Utf16View(css_));
   if (const auto known = index_.find(key.value())) {
@@ -23,19 +39,6 @@ void Fonts::set(const CodeUnit* family, int32_t familyLength, int32_t size, bool
   fonts_.push_back({cssTexts_.size() - css_.size(), css_.size(), false});
   current_ = static_cast<FontNumber>(fonts_.size() - 1);
   index_.insert(key.value(), static_cast<HashIndex::Number>(current_));
-}
-
-void Fonts::writeCss(Utf16View escapedFamily, int32_t size, bool italic, bool bold) {
-  const auto append = [this](std::string_view text) { css_.append(text.begin(), text.end()); };
-  css_.clear();
-  append("font:");
-  if (bold) append("bold ");
-  if (italic) append("italic ");
-  char digits[kMaxDecimalSize<int32_t> + kDecimalOverrun];
-  append({digits, static_cast<size_t>(writeDecimal(digits, size) - digits)});
-  append("px ");
-  css_.append(escapedFamily);
-  append(";");
 }
 
 void Fonts::write(MarkupText& out) const {

@@ -37,9 +37,7 @@ class Fonts {
   void write(MarkupText& out) const;
 
  private:
-  void writeCss(Utf16View escapedFamily, int32_t size, bool italic, bool bold);
-
-  Utf16String css_;  // of the font that is being set
+  Utf16String css_;  // scratch, of set()
   Utf16String cssTexts_;
   std::vector<FontStyleSheet> fonts_;
   HashIndex index_;

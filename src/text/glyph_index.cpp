@@ -1,5 +1,6 @@
 #include "text/glyph_index.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "base/make_room.h"
@@ -69,9 +70,16 @@ void GlyphIndex::makeRoom() {
   qz::makeRoom(glyphs_);
 }
 
-void GlyphIndex::add(uint64_t textHash, const Glyph& glyph) noexcept {
+GlyphNumber GlyphIndex::add(uint64_t textHash, const Glyph& glyph) noexcept {
+  const auto number = static_cast<GlyphNumber>(glyphs_.size());
   glyphs_.push_back(glyph);
-  texts_.insert(textHash, count() - 1);
+  texts_.insert(textHash, number);
+  return number;
+}
+
+void GlyphIndex::makeFirstPart(GlyphNumber number) noexcept {
+  assert(glyphs_[number].part == Glyph::kOnlyPart);
+  glyphs_[number].part = 0;
 }
 
 // A shortcut may not fail a drawing: without memory nothing is remembered.

@@ -36,16 +36,16 @@ class GlyphIndex {
   }
   GlyphNumber findByPoints(const TypedPoints& path) const;
 
-  // Adds the outline under the number count(). After makeRoom() it cannot fail.
+  // Adds an outline and returns its number. After makeRoom() it cannot fail.
   void makeRoom();
-  void add(uint64_t textHash, const Glyph& glyph) noexcept;
+  GlyphNumber add(uint64_t textHash, const Glyph& glyph) noexcept;
+  // A character's only outline becomes the first of several.
+  void makeFirstPart(GlyphNumber number) noexcept;
   // Remembers the points of a path that was found by its text: it comes again, so it will come more
   // often. Most outlines of a page that are new never come again.
   void rememberPoints(const TypedPoints& path, GlyphNumber number) noexcept;
 
-  Glyph& operator[](GlyphNumber number) { return glyphs_[number]; }
   const Glyph& operator[](GlyphNumber number) const { return glyphs_[number]; }
-  GlyphNumber count() const { return static_cast<GlyphNumber>(glyphs_.size()); }
 
  private:
   struct KnownPath {

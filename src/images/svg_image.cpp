@@ -1,4 +1,4 @@
-#include "images/svg_picture.h"
+#include "images/svg_image.h"
 
 #include <iterator>
 #include <utility>
@@ -47,12 +47,12 @@ Utf16String rootTag(std::basic_string_view<Character> text, const Cut& cut) {
 
 }  // namespace
 
-std::optional<SvgPicture> parseSvgPicture(const uint8_t* bytes, size_t size) {
+std::optional<SvgImage> parseSvgImage(const uint8_t* bytes, size_t size) {
   SvgText text(bytes, size);
-  const auto found = text.visit([](auto view) { return cut(view); });
+  const auto found = text.isAscii() ? cut(text.ascii()) : cut(text.units());
   if (!found) return std::nullopt;
-  const auto tag = text.visit([&](auto view) { return rootTag(view, *found); });
-  return SvgPicture{std::move(text), parseSvgRoot(tag), found->insideStart, found->insideLength};
+  const auto tag = text.isAscii() ? rootTag(text.ascii(), *found) : rootTag(text.units(), *found);
+  return SvgImage{std::move(text), parseSvgRoot(tag), found->insideStart, found->insideLength};
 }
 
 }  // namespace qz
