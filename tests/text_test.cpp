@@ -133,7 +133,7 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
        "<g><path id='QZ_0_0' transform='translate(10-20)' d='M0 0h5v5h-5z'/>"
        "<use xlink:href='#QZ_0_0' x='10' y='-20'/><use xlink:href='#QZ_0_0' x='-10'/>"
        "<use xlink:href='#QZ_0_0'/></g>"},
-      {"each kind of shape; outlines are equal when their geometry text is",
+      {"each kind of shape; outlines are equal when their geometry text is; later ones repeated",
        [](Page& page) {
          page(SVG_BeginCharacterBlock);
          character(page, {10, 20})(SVG_DrawLine, at({11, 22}), at({10, 19}));
@@ -146,6 +146,9 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
          character(page, {80, 20}).path({{6, 60, 20}, {3, 61, 20}});
          character(page, {9, 9})(SVG_DrawRoundedRectangle, box({9, 9, 19, 19}), 4, 2, 1);
          square(character(page, {8, 8}), {8, 8}, 10);
+         reference(page, 7, {70, 20});
+         character(page, {1, 1}).path({{6, 1, 1}}).path({{6, 2, 2}});
+         reference(page, 11, {2, 1});
        },
        "<g><line id='QZ_0_0' x1='1' y1='2' x2='0' y2='-1'/>"
        "<polyline id='QZ_0_1' points='0 0 1-5'/><polygon id='QZ_0_2' points='1 2'/>"
@@ -153,7 +156,9 @@ TEST(CharacterBlock, AnOutlineIsWrittenOnceAndReused) {
        "<use xlink:href='#QZ_0_4' x='10'/><use xlink:href='#QZ_0_4' x='15'/>"
        "<path id='QZ_0_7' d='M60 20l1 0z'/>"
        "<path id='QZ_0_8' transform='translate(9 9)' d='M2 0h6a2 1 0 0 1 2-1v8a2 1 0 0 1 2 1"
-       "h-6a2 1 0 0 1 -2 1v-8a2 1 0 0 1 -2-1z'/><use xlink:href='#QZ_0_8' x='-1' y='-1'/></g>"},
+       "h-6a2 1 0 0 1 -2 1v-8a2 1 0 0 1 -2-1z'/><use xlink:href='#QZ_0_8' x='-1' y='-1'/>"
+       "<use xlink:href='#QZ_0_7' x='-10'/><path id='QZ_0_11.0' d='M1 1'/>"
+       "<path id='QZ_0_11.1' d='M2 2'/><use xlink:href='#QZ_0_11.0' x='1'/></g>"},
       {"across blocks; an abandoned block stays; references count within their block",
        [](Page& page) {
          squareAt(page(SVG_BeginCharacterBlock), {1, 1})(SVG_BeginCharacterBlock);
