@@ -176,7 +176,7 @@ void run(const Workload& workload, int count, int threads) {
   measure("floor", elements, threads, writer(workload.write));
   if (workload.drawPeer != nullptr)
     for (const auto& [name, make] : kPeers)
-      measure(name, elements, threads, [=, draw = workload.drawPeer](int) -> Run {
+      measure(name, elements, threads, [=, make = make, draw = workload.drawPeer](int) -> Run {
         const std::shared_ptr<Peer> peer = make();
         draw(*peer, PageData(0), 1);  // loads the font
         return [=](PageData data) { draw(*peer, data, count); };

@@ -1,12 +1,10 @@
-# The DLL: its exports and version resource, and beside it an import library for Microsoft's linker
-# and the debug symbols.
+# The DLL: its exports and version resource, and beside it an import library for Microsoft's linker.
 configure_file(version.rc.in version.rc @ONLY)
 target_sources(qzsvggen PRIVATE ${QZSVGGEN_DEF} ${CMAKE_CURRENT_BINARY_DIR}/version.rc)
 set_target_properties(qzsvggen PROPERTIES PREFIX "")
 
 if(MINGW)
   # No other DLL than the system's is needed, and the same sources give the same bytes.
-  target_compile_options(qzsvggen PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-g>)
   target_link_options(qzsvggen PRIVATE -static "LINKER:--no-insert-timestamp")
 
   set(QZSVGGEN_MICROSOFT_LIBRARY ${CMAKE_CURRENT_BINARY_DIR}/qzsvggen.lib)
@@ -14,11 +12,4 @@ if(MINGW)
   add_custom_command(OUTPUT ${QZSVGGEN_MICROSOFT_LIBRARY} DEPENDS ${QZSVGGEN_DEF} VERBATIM
     COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${QZSVGGEN_DEF} -l ${QZSVGGEN_MICROSOFT_LIBRARY})
   add_custom_target(qzsvggen-lib ALL DEPENDS ${QZSVGGEN_MICROSOFT_LIBRARY})
-
-  set(debug $<TARGET_FILE:qzsvggen>.debug)
-  set(objcopy ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0 ${CMAKE_OBJCOPY})
-  add_custom_command(TARGET qzsvggen POST_BUILD VERBATIM
-    COMMAND ${objcopy} --only-keep-debug $<TARGET_FILE:qzsvggen> ${debug}
-    COMMAND ${objcopy} --strip-all --add-gnu-debuglink=${debug} $<TARGET_FILE:qzsvggen>
-    COMMENT "Moving the debug symbols to qzsvggen.dll.debug")
 endif()

@@ -7,6 +7,7 @@ way=$1 build=$2
 shift 2
 consumers=$(cd "$(dirname "$0")" && pwd)
 examples=$consumers/../../examples
+guide=$consumers/../../docs/integration.md
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/prefix
@@ -14,6 +15,15 @@ prefix=$work/prefix
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
 draw() { "$consumers/../examples/test.sh" "$examples/page.svg" "$@"; }
 compare() { diff "$consumers/$way.txt" <(cd "$1" && find . -type f -o -type l | LC_ALL=C sort); }
+
+links() {  # in documents lead to what lies there, too
+  local document link
+  find "$1" -name '*.md' | while read -r document; do
+    grep -oE '\]\([A-Za-z0-9_./-]+' "$document" | cut -c3- | while read -r link; do
+      [[ $link == http* || -e $(dirname "$document")/$link ]] || { echo "$document: $link"; exit 1; }
+    done
+  done
+}
 
 install_and_move() {
   quietly cmake --install "$build" --prefix "$work/first"
@@ -66,6 +76,7 @@ case $way in
     pack DEB
     for package in "$work"/*.deb; do dpkg -x "$package" "$work/root"; done
     compare "$work/root"
+    links "$work/root"
     prefix=$work/root/usr
     pkg_config
     find_package
@@ -75,6 +86,13 @@ case $way in
     pack ZIP
     (cd "$work" && cmake -E tar xf ./*.zip && mv qzsvggen-*/ prefix)
     compare "$prefix"
+    links "$prefix"
+    # The guide's lines for MinGW, as they stand.
+    emulator=("$@")
+    wine() { "${emulator[@]}" "$@"; }
+    ln -s prefix "$work/qzsvggen"
+    (cd "$work" && eval "$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")")
+    draw cp "$work/page.svg"
     find_package --toolchain "$consumers/../../cmake/mingw-w64.cmake" \
       -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
     draw "$@" "$work/build/consumer.exe"

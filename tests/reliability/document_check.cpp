@@ -52,8 +52,7 @@ std::string documentFault(const Document& document, bool danglingImages) {
   XML_SetCharacterDataHandler(parser.get(), characters);
   if (XML_Parse(parser.get(), reinterpret_cast<const char*>(document.data()),
                 static_cast<int>(2 * document.size()), 1) != XML_STATUS_OK)
-    return std::string(XML_ErrorString(XML_GetErrorCode(parser.get()))) + " at unit " +
-           std::to_string(XML_GetCurrentByteIndex(parser.get()) / 2);
+    return XML_ErrorString(XML_GetErrorCode(parser.get()));
   for (const std::string& name : names.referred) {
     const bool isClass = name.starts_with("QZ_fnt");
     if (isClass ? names.style.find("." + name + "{") == std::string::npos

@@ -26,8 +26,8 @@ inline std::vector<RecordedPage> readPages(char** directories) {
     const size_t before = pages.size();
     for (const auto& file : std::filesystem::directory_iterator(*directories)) {
       if (file.path().extension() != ".jsonl") continue;
-      RecordedPage& page =
-          pages.emplace_back(file.path().stem().string(), tools::Recording(*directories));
+      pages.push_back({file.path().stem().string(), tools::Recording(*directories), {}});
+      RecordedPage& page = pages.back();
       std::ifstream lines(file.path());
       for (std::string line; std::getline(lines, line); page.recording.append(line))
         if (page.recording.page() != nullptr)

@@ -6,6 +6,11 @@
 #include <expat.h>
 
 #include <memory>
+
+#if XML_MAJOR_VERSION == 2 && XML_MINOR_VERSION < 9  // which deprecates the older calls
+#define XML_GetCurrentByteIndex64 XML_GetCurrentByteIndex
+#define XML_GetCurrentByteCount64 XML_GetCurrentByteCount
+#endif
 #endif
 
 namespace qz::tools {
@@ -31,7 +36,7 @@ struct Reader {
   std::vector<int> open;
   std::vector<std::map<std::string, int>> counts{1};
 
-  std::size_t offset() const { return static_cast<std::size_t>(XML_GetCurrentByteIndex(parser)); }
+  std::size_t offset() const { return static_cast<std::size_t>(XML_GetCurrentByteIndex64(parser)); }
 
   void start(const char* tag, const char** attributes) {
     XmlElement element;
@@ -55,7 +60,7 @@ struct Reader {
 
   void end() {
     xml.elements[static_cast<std::size_t>(open.back())].end =
-        offset() + static_cast<std::size_t>(XML_GetCurrentByteCount(parser));
+        offset() + static_cast<std::size_t>(XML_GetCurrentByteCount64(parser));
     open.pop_back();
     counts.pop_back();
   }

@@ -1,0 +1,16 @@
+# What packages are built with against the exploitation of faults, where the compiler has it.
+# docs/performance.md says what it costs.
+option(QZSVGGEN_PACKAGED "Build as for packages: hardened, with debug symbols beside" OFF)
+if(NOT QZSVGGEN_PACKAGED)
+  return()
+endif()
+include(CheckCXXCompilerFlag)
+foreach(flag -fstack-protector-strong -fcf-protection)
+  string(MAKE_C_IDENTIFIER "QZSVGGEN_HAS${flag}" has)
+  check_cxx_compiler_flag(${flag} ${has})
+  if(${has})
+    add_compile_options(${flag})
+  endif()
+endforeach()
+add_compile_definitions(_FORTIFY_SOURCE=2)
+add_link_options(LINKER:-z,relro,-z,now)
