@@ -302,6 +302,41 @@ def broken_page():
     return changed(drawn(shapes, clips, text), change)
 
 
+def costly_page(change):
+    """Three pages, the second of which holds what a function of the PDF and its page adds."""
+    return changed(drawn(shapes, clips, text), lambda pdf: change(pdf, pdf.pages[1]))
+
+
+def endless_page():
+    """Forms in forms, a thousand billion that draw nothing."""
+    def change(pdf, page):
+        form = pdf.make_stream(b"q Q", Type=Name.XObject, Subtype=Name.Form,
+                               BBox=Array([0, 0, 300, 300]))
+        for _ in range(12):
+            form = pdf.make_stream(b"/X Do " * 10, Type=Name.XObject, Subtype=Name.Form,
+                                   BBox=Array([0, 0, 300, 300]),
+                                   Resources=Dictionary(XObject=Dictionary(X=form)))
+        page.Resources.XObject = Dictionary(X=form)
+        page.Contents = pdf.make_stream(b"/X Do")
+
+    return costly_page(change)
+
+
+def huge_image():
+    def change(pdf, page):
+        page.Resources.XObject = Dictionary(X=pdf.make_stream(
+            bytes(18_000_000), Type=Name.XObject, Subtype=Name.Image, Width=12000, Height=12000,
+            ColorSpace=Name.DeviceGray, BitsPerComponent=1))
+        page.Contents = pdf.make_stream(b"300 0 0 300 0 0 cm /X Do")
+
+    return costly_page(change)
+
+
+def book():
+    """Many different pages."""
+    return drawn(*(6 * [shapes, joins, clips, text, pictures]))
+
+
 FEATURES = {
     "shapes": drawn(shapes), "joins": drawn(joins), "clips": drawn(clips), "text": drawn(text),
     "type3": type3(), "pictures": drawn(pictures), "links": links(), "form": form(),

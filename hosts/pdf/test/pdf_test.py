@@ -7,9 +7,11 @@ import os
 import pathlib
 import random
 import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 
@@ -218,6 +220,61 @@ class Input(Folder):
         out = self.folder / "out"
         run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2")
         self.assertEqual([p.name for p in out.iterdir()], ["page-002.svg"])
+
+
+class Processes(Folder):
+    WRITTEN = ["page-001.svg", "page-003.svg"]
+
+    def names(self):
+        return sorted(page.name for page in (self.folder / "out").iterdir())
+
+    def begin(self, pdf, *options):
+        """A run that has drawn all pages but the second."""
+        program = subprocess.Popen([PROGRAM, self.file(pdf), "-o", self.folder / "out", *options],
+                                   stderr=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        while not set(self.WRITTEN) <= {p.name for p in self.folder.glob("out/*")}:
+            time.sleep(0.01)
+        time.sleep(0.1)
+        return program
+
+    def test_output_does_not_depend_on_their_number(self):
+        one, *others = [self.draw(make_pdfs.book(), "--jobs", str(jobs)) for jobs in (1, 2, 4)]
+        self.assertEqual(len(one), 30)
+        for other in others:
+            self.assertEqual(other, one)
+
+    def test_a_page_over_a_limit_is_named_and_the_others_are_written(self):
+        for pdf, limit, message in [
+                (make_pdfs.endless_page(), "--seconds=1", "takes more than 1 s"),
+                (make_pdfs.huge_image(), "--memory=100", "")]:
+            with self.subTest(limit):
+                status, told, errors = run(self.file(pdf), self.folder / "out", limit)
+                self.assertEqual(status, 2)
+                self.assertRegex(errors, f"^.*test.pdf: page 2: .*{message}.*\n$")
+                self.assertRegex(told, "^2 pages, .*1 page failed")
+                self.assertEqual(self.names(), self.WRITTEN)
+
+    def test_a_crash_costs_one_page(self):
+        program = self.begin(make_pdfs.endless_page(), "--jobs=2")
+        children = pathlib.Path(f"/proc/{program.pid}/task/{program.pid}/children").read_text()
+        running = []
+        while not running:  # the other one sleeps
+            running = [pid for pid in children.split()
+                       if " R " in pathlib.Path(f"/proc/{pid}/stat").read_text()]
+        os.kill(int(running[0]), signal.SIGSEGV)
+        told, errors = program.communicate(timeout=60)
+        self.assertEqual(program.returncode, 2)
+        self.assertRegex(errors, "^.*test.pdf: page 2: the engine crashed: .*\n$")
+        self.assertRegex(told, "^2 pages, .*1 page failed")
+        self.assertEqual(self.names(), self.WRITTEN)
+
+    def test_an_interruption_leaves_whole_files_and_no_process(self):
+        program = self.begin(make_pdfs.endless_page(), "--jobs=2")
+        (self.folder / f"out/page-002.svg.{program.pid}.part").write_text("<svg")
+        program.send_signal(signal.SIGINT)
+        program.communicate(timeout=60)  # as long as a worker lives, its output is open
+        self.assertEqual(program.returncode, -signal.SIGINT)
+        self.assertEqual(self.names(), self.WRITTEN)
 
 
 def mutate(data, chance):
