@@ -9,6 +9,7 @@
 #include <iostream>
 #include <thread>
 
+#include "index_file.h"
 #include "page_job.h"
 
 namespace {
@@ -32,7 +33,7 @@ struct Options {
   Limits limits;
   fs::path output, passwordFile;
   std::string pages;
-  bool count = false;
+  bool count = false, index = true;
 };
 
 // A message that is complete as it is.
@@ -165,6 +166,16 @@ Answer describe(Workers& workers, const std::string& name) {
   return document;
 }
 
+// Writes a file with all pages that could be drawn.
+void makeIndex(const OutputFolder& folder, const std::string& title,
+               const std::vector<std::string>& names, const std::vector<Answer>& answers) {
+  std::vector<fs::path> drawn;
+  for (size_t i = 0; i < names.size(); ++i)
+    if (!answers[i].failed) drawn.push_back(folder.pathOf(names[i]));
+  if (drawn.empty()) return;
+  folder.write("index.html", [&](std::ostream& file) { writeIndex(file, title, drawn); });
+}
+
 // Returns whether all is as it should be.
 bool draw(const Options& options) {
   const auto started = Clock::now();
@@ -193,6 +204,8 @@ bool draw(const Options& options) {
       workers->ask(pages, [&](size_t done, size_t failed) { progress.show(done, failed); });
   workers.reset();
   progress.clear();
+  if (options.index)
+    makeIndex(folder, options.draw.input.filename().string(), tidying.names, answers);
   const bool wrong = complain(name, pages, answers);
   tell(answers, std::chrono::duration<double>(Clock::now() - started).count());
   return !wrong;
@@ -205,10 +218,11 @@ int run(int count, char** arguments) {
   app.set_version_flag("--version", version);
   app.add_option("INPUT", options.draw.input, "the PDF")->required();
   app.add_option("-o,--output", options.output, "the folder for the pages");
+  app.add_flag("!--no-index", options.index, "write no index.html, which shows all pages");
   app.add_option("--pages", options.pages, "which pages, such as 1-3,7 (all)");
   app.add_option("--text", options.draw.text,
                  "outlines: text is drawn as shapes; both: it can be found and copied as well")
-      ->transform(CLI::Transformer(textModes))
+      ->transform(CLI::CheckedTransformer(textModes, CLI::ignore_case).description(""))
       ->default_str("both");
   app.add_option("--resolution", options.draw.resolution,
                  "pixels per inch of what becomes a bitmap")
