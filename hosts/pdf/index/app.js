@@ -14,7 +14,7 @@ function unpack(pages) {
   return pages.map(page => page.replace(/<(\d+)>|[ !#-&*-;=?-~]{48,}/g, put));
 }
 
-/** The size in twenties of a point, as the viewer reads it. */
+/** The size in twentieths of a point, as the viewer reads it. */
 const inUnits = page =>
   page.replace(/ width="[\d.]+pt" height="[\d.]+pt" viewBox="0 0 (\d+) (\d+)"/, ' width="$1" height="$2"');
 
@@ -31,7 +31,7 @@ viewer.interpretation = ({ type, data, flags, exFlags, drawn }) => {
   return { ...meaning, value: data.replaceAll('\u2028', '\n'), multiline: Boolean(exFlags & MULTILINE) };
 };
 
-// ---- Ways to a page ----
+// ---- Ways to a page, and what is asked on the way ----
 
 /** Where to go when its page has come. */
 let awaited = () => true;
@@ -66,11 +66,21 @@ viewer.addEventListener('link', event => {
   history.pushState(null, '', `#${encodeURIComponent(target)}`);  // the way back leads here
   goToHash();
 });
+viewer.addEventListener('signature', ({ detail: { name, info } }) =>
+  alert(`Signature field: ${name}\n${info}\nNothing is verified here.`));
 viewer.addEventListener('load', () => awaited());
 number.addEventListener('change', () => go(() => goToPage(number.value - 1)));
 addEventListener('scroll', () => {
   if (document.activeElement !== number) number.value = currentPage();
 });
+
+// ---- Print ----
+
+/** Sheets are of the first page's size. */
+function setSheetSize([page]) {
+  const [, width, height] = / width="(\d+)" height="(\d+)"/.exec(page);
+  document.querySelector('style').append(`@page { size: ${width / 20}pt ${height / 20}pt; }`);
+}
 
 // ---- The beginning ----
 
@@ -79,4 +89,5 @@ const pages = unpack(elements.map(element => element.text)).map(inUnits);
 for (const element of elements) element.remove();
 number.max = document.querySelector('output').value = pages.length;
 if (location.hash) goToHash();
+setSheetSize(pages);
 viewer.show(pages);

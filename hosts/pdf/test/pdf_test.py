@@ -56,7 +56,7 @@ class Folder(unittest.TestCase):
         out = self.folder / "out"
         status, _, errors = run(self.file(data), out, *options)
         self.assertEqual((status, errors), (0, ""))
-        return [page.read_bytes() for page in sorted(out.iterdir())]
+        return [page.read_bytes() for page in sorted(out.glob("*.svg"))]
 
     def trees(self, data, *options):
         return [ElementTree.fromstring(page) for page in self.draw(data, *options)]
@@ -214,19 +214,47 @@ class Input(Folder):
         self.assertEqual(status, 2)
         self.assertIn("page 2", errors)
         self.assertIn("1 page failed", told)
-        self.assertEqual(sorted(p.name for p in out.iterdir()), ["page-001.svg", "page-003.svg"])
+        self.assertEqual(sorted(p.name for p in out.iterdir()),
+                         ["index.html", "page-001.svg", "page-003.svg"])
+        self.assertEqual((out / "index.html").read_text().count('type="image/svg+xml"'), 2)
 
     def test_pages(self):
         out = self.folder / "out"
-        run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2")
+        run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2", "--no-index")
         self.assertEqual([p.name for p in out.iterdir()], ["page-002.svg"])
+
+
+class Index(Folder):
+    PUPPETEER = HERE.parents[2] / "viewer/node_modules/puppeteer-core"
+
+    def index(self, pdf):
+        self.draw(pdf)
+        return self.folder / "out/index.html"
+
+    def test_what_pages_share_is_there_once(self):
+        index = self.index(make_pdfs.book()).read_bytes()
+        image = compare.base64.b64encode(make_pdfs.jpeg())
+        self.assertEqual(sum(page.count(image) for page in self.draw(make_pdfs.book())), 12)
+        self.assertEqual(index.count(image), 1)
+
+    def test_the_name_of_the_file_is_no_markup(self):
+        run(self.file(make_pdfs.FEATURES["text"], "<b>&.pdf"), self.folder / "out")
+        self.assertIn(b"<title>&lt;b>&amp;.pdf</title>", (self.folder / "out/index.html").read_bytes())
+
+    @unittest.skipUnless(PUPPETEER.exists(), "there are no packages of the viewer")
+    def test_in_browsers(self):
+        index = self.index(make_pdfs.handbook())
+        done = subprocess.run(["node", "--test", HERE / "index.test.js"], capture_output=True,
+                              text=True, env={**os.environ, "INDEX": index.as_uri()})
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
 
 class Processes(Folder):
     WRITTEN = ["page-001.svg", "page-003.svg"]
 
     def names(self):
-        return sorted(page.name for page in (self.folder / "out").iterdir())
+        return sorted(page.name for page in (self.folder / "out").iterdir()
+                      if page.name != "index.html")
 
     def begin(self, pdf, *options):
         """A run that has drawn all pages but the second."""
@@ -309,7 +337,7 @@ class Mutants(Folder):
             own = subprocess.run(["mutool", "draw", "-q", "-F", "png", "-o", os.devnull, pdf],
                                  capture_output=True, timeout=60).returncode
             return None if own < 0 else f"mutant {number}: {status}"
-        for page in out.iterdir() if out.exists() else []:
+        for page in out.glob("*.svg"):
             try:
                 ElementTree.parse(page)
             except ElementTree.ParseError as wrong:
