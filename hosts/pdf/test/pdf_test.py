@@ -2,6 +2,9 @@
 """Tests of qzsvggen-pdf: pdf_test.py PROGRAM."""
 
 import concurrent.futures
+import contextlib
+import csv
+import importlib.util
 import io
 import os
 import pathlib
@@ -303,6 +306,51 @@ class Processes(Folder):
         program.communicate(timeout=60)  # as long as a worker lives, its output is open
         self.assertEqual(program.returncode, -signal.SIGINT)
         self.assertEqual(self.names(), self.WRITTEN)
+
+
+@unittest.skipUnless(importlib.util.find_spec("distributed"), "there is no python3-distributed")
+class Cluster(Folder):
+    def rows(self):
+        table = self.folder / "drawn/results.csv"
+        with contextlib.suppress(FileNotFoundError), table.open(newline="") as file:
+            return list(csv.DictReader(file))
+        return []
+
+    def begin(self, cluster):
+        return subprocess.Popen(
+            [HERE.parent / "cluster.py", PROGRAM, self.folder / "pdfs", "-o", self.folder / "drawn",
+             "--scheduler", cluster.scheduler_address, "--pages=1"],
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def test_a_killed_worker_loses_nothing(self):
+        import distributed
+        (self.folder / "pdfs/sub").mkdir(parents=True)
+        for name, data in [("book", make_pdfs.book()), ("sub/broken", make_pdfs.broken_page()),
+                           ("none", b"")]:
+            self.file(data, f"pdfs/{name}.pdf")
+        with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as \
+                cluster, distributed.Client(cluster) as client:
+            workers = list(client.run(os.getpid).values())
+            program = self.begin(cluster)
+            while len(self.rows()) < 3:
+                time.sleep(0.01)
+            os.kill(workers[0], signal.SIGKILL)
+            self.assertLess(len(self.rows()), 34, "it was killed in the middle")
+            told, errors = program.communicate(timeout=120)
+            self.assertEqual(program.returncode, 2, errors)
+            self.assertNotIn(workers[0], client.run(os.getpid).values())
+            again = self.begin(cluster).communicate(timeout=120)[0]
+
+        self.assertRegex(told, "^3 documents, 32 pages, .* 34 ranges in this run, 2 with faults")
+        self.assertRegex(errors, "none.pdf: is not a PDF")
+        self.assertRegex(errors, "sub/broken.pdf: .*page 2: ")
+        self.assertRegex(again, "^3 documents, 32 pages, .* 0 ranges in this run, 2 with faults")
+        done = sorted((pathlib.Path(row["document"]).stem, int(row["first"] or 0), row["status"])
+                      for row in self.rows())
+        self.assertEqual(done, [*(("book", i, "0") for i in range(1, 31)), ("broken", 1, "0"),
+                                ("broken", 2, "2"), ("broken", 3, "0"), ("none", 0, "2")])
+        pages = [page.read_bytes() for page in sorted(self.folder.glob("drawn/book/*"))]
+        self.assertEqual(pages, self.draw(make_pdfs.book()))
 
 
 def mutate(data, chance):
