@@ -1,15 +1,16 @@
 // qzsvggen-pdf: draws the pages of a PDF as SVG documents.
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+#include <thread>
 
-#include "output.h"
-#include "page_writer.h"
+#include "index_file.h"
+#include "page_job.h"
 
 namespace {
 
@@ -24,23 +25,20 @@ constexpr const char* version =
     "is\n"
     "under the GNU Affero General Public License, version 3; so is this program as a whole.";
 
+const std::map<std::string, TextMode> textModes = {{"outlines", TextMode::kOutlines},
+                                                   {"both", TextMode::kBoth}};
+
 struct Options {
-  fs::path input, output, passwordFile;
-  std::string pages, text = "both";
-  int resolution = 150;
-  bool exact = false;
+  DrawOptions draw;
+  Limits limits;
+  fs::path output, passwordFile;
+  std::string pages;
+  bool count = false, index = true;
 };
 
 // A message that is complete as it is.
 struct Failure : std::runtime_error {
   using std::runtime_error::runtime_error;
-};
-
-// What became of the pages.
-struct Totals {
-  int pages = 0, failed = 0, damaged = 0, bitmaps = 0, pictures = 0, droppedLinks = 0,
-      untypedFields = 0;
-  size_t bytes = 0;
 };
 
 std::optional<std::string> readPassword(const fs::path& path) {
@@ -88,14 +86,14 @@ class Progress {
   explicit Progress(size_t total) : total_(total) {}
   ~Progress() { clear(); }
 
-  void show(size_t done, int failed) {
+  void show(size_t done, size_t failed) {
     if (!terminal_ || Clock::now() < next_) return;
     next_ = Clock::now() + std::chrono::milliseconds(100);
     const std::chrono::duration<double> passed = Clock::now() - started_;
     const double left = passed.count() / static_cast<double>(std::max<size_t>(done, 1)) *
                         static_cast<double>(total_ - done);
-    std::fprintf(stderr, "\r%zu of %zu pages, %d failed, %.0f s still \033[K", done, total_, failed,
-                 left);
+    std::fprintf(stderr, "\r%zu of %zu pages, %zu failed, %.0f s still \033[K", done, total_,
+                 failed, left);
     shown_ = true;
   }
   void clear() {
@@ -109,76 +107,108 @@ class Progress {
   Clock::time_point started_ = Clock::now(), next_ = started_ + std::chrono::seconds(1);
 };
 
-void drawPage(Engine& engine, int number, const Options& options, OutputFolder& folder,
-              Totals& totals) {
-  const Scene scene = engine.read(number);
-  Plan plan = makePlan(scene);
-  const auto bitmaps = engine.render(plan.bitmaps, options.resolution);
-  const std::u16string document =
-      writePage(scene, plan, bitmaps, engine.outlines(),
-                options.text == "both" ? TextMode::kBoth : TextMode::kOutlines);
-  totals.bytes += folder.write(
-      number, options.exact ? qzsvggen::toUtf8(document) : inPoints(document, scene.page));
-  ++totals.pages;
-  totals.bitmaps += static_cast<int>(bitmaps.size());
-  totals.pictures += static_cast<int>(plan.pictures.size());
-  totals.droppedLinks += scene.droppedLinks;
-  totals.untypedFields += scene.untypedFields;
-  if (scene.damages == 0) return;
-  ++totals.damaged;
-  std::cerr << options.input.string() << ": page " << number + 1
-            << ": damaged: a part of it may be missing\n";
-}
-
-std::string counted(int count, const char* one, const char* many) {
+std::string counted(size_t count, const char* one, const char* many) {
   return std::to_string(count) + ' ' + (count == 1 ? one : many);
 }
 
-void tell(const Totals& totals, double seconds) {
-  std::printf("%s, %.2f s, %zu bytes", counted(totals.pages, "page", "pages").c_str(), seconds,
-              totals.bytes);
-  const auto note = [](int count, const char* one, const char* many) {
-    if (count > 0) std::printf(", %s", counted(count, one, many).c_str());
-  };
-  note(totals.pictures, "part as an SVG picture", "parts as SVG pictures");
-  note(totals.bitmaps, "part as a bitmap", "parts as bitmaps");
-  note(totals.droppedLinks, "link with another scheme left out",
-       "links with other schemes left out");
-  note(totals.untypedFields, "field without a type drawn only", "fields without a type drawn only");
-  note(totals.failed, "page failed", "pages failed");
-  std::printf("\n");
+// Names the pages that are not as they should be. Returns whether there are any.
+bool complain(const std::string& name, const std::vector<int>& pages,
+              const std::vector<Answer>& answers) {
+  bool any = false;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    const Answer& page = answers[i];
+    if (!page.failed && !page.damaged) continue;
+    any = true;
+    std::cerr << name << ": page " << pages[i] + 1 << ": "
+              << (page.failed ? page.message : "damaged: a part of it may be missing") << '\n';
+  }
+  return any;
 }
 
-Totals draw(const Options& options) {
-  const std::string name = options.input.string();
-  const std::optional<std::string> password = readPassword(options.passwordFile);
-  std::optional<Engine> engine;
-  try {
-    engine.emplace(options.input, password);
-  } catch (const EngineError& wrong) {
-    throw Failure(name + ": " + wrong.what());
+void tell(const std::vector<Answer>& answers, double seconds) {
+  const auto sum = [&](auto Answer::*member) {
+    size_t total = 0;
+    for (const Answer& page : answers) total += static_cast<size_t>(page.*member);
+    return total;
+  };
+  const auto note = [](size_t count, const char* one, const char* many) {
+    if (count > 0) std::printf(", %s", counted(count, one, many).c_str());
+  };
+  const size_t failed = sum(&Answer::failed);
+  std::printf("%s, %.2f s, %zu bytes", counted(answers.size() - failed, "page", "pages").c_str(),
+              seconds, sum(&Answer::bytes));
+  note(sum(&Answer::pictures), "part as an SVG picture", "parts as SVG pictures");
+  note(sum(&Answer::bitmaps), "part as a bitmap", "parts as bitmaps");
+  note(sum(&Answer::droppedLinks), "link with another scheme left out",
+       "links with other schemes left out");
+  note(sum(&Answer::untypedFields), "field without a type drawn only",
+       "fields without a type drawn only");
+  note(failed, "page failed", "pages failed");
+  rusage workers;
+  getrusage(RUSAGE_CHILDREN, &workers);
+  std::printf(", %ld MB at most a process\n", workers.ru_maxrss >> 10);
+}
+
+// Leaves nothing half-written behind, however the drawing ends.
+struct Tidying {
+  const OutputFolder& folder;
+  std::vector<std::string> names;
+
+  ~Tidying() {
+    for (const std::string& name : names) folder.removePart(name);
+    folder.removeIfEmpty();
   }
-  const std::vector<int> pages = selectPages(options.pages, engine->pageCount());
-  if (engine->wasRepaired()) std::cerr << name << ": damaged: it was repaired for reading\n";
-  std::optional<OutputFolder> folder;
+};
+
+Answer describe(Workers& workers, const std::string& name) {
+  const Answer document = workers.ask({PageJob::describeDocument}, [](size_t, size_t) {}).front();
+  if (document.failed) throw Failure(name + ": " + document.message);
+  return document;
+}
+
+// Writes a file with all pages that could be drawn.
+void makeIndex(const OutputFolder& folder, const std::string& title,
+               const std::vector<std::string>& names, const std::vector<Answer>& answers) {
+  std::vector<fs::path> drawn;
+  for (size_t i = 0; i < names.size(); ++i)
+    if (!answers[i].failed) drawn.push_back(folder.pathOf(names[i]));
+  if (drawn.empty()) return;
+  folder.write("index.html", [&](std::ostream& file) { writeIndex(file, title, drawn); });
+}
+
+// Returns whether all is as it should be.
+bool draw(const Options& options) {
+  const auto started = Clock::now();
+  const std::string name = options.draw.input.string();
+  OutputFolder folder(options.output);
+  const SignalWatch signals;
+  Tidying tidying{folder, {}};
+  std::optional<Workers> workers(std::in_place, PageJob(options.draw, folder), options.limits,
+                                 signals);
+  const Answer document = describe(*workers, name);
+  const std::vector<int> pages = selectPages(options.pages, document.pageCount);
+  if (options.count) {
+    std::printf("%d\n", document.pageCount);
+    return true;
+  }
+  if (options.output.empty()) throw Failure("--output is required");
+  if (document.damaged) std::cerr << name << ": damaged: it was repaired for reading\n";
   try {
-    folder.emplace(options.output, engine->pageCount());
+    folder.make();
   } catch (const std::runtime_error& wrong) {
     throw Failure(options.output.string() + ": " + wrong.what());
   }
-  Totals totals;
+  for (const int page : pages) tidying.names.push_back(pageName(page, document.pageCount));
   Progress progress(pages.size());
-  for (size_t i = 0; i < pages.size(); ++i) {
-    progress.show(i, totals.failed);
-    try {
-      drawPage(*engine, pages[i], options, *folder, totals);
-    } catch (const EngineError& wrong) {
-      ++totals.failed;
-      progress.clear();
-      std::cerr << name << ": page " << pages[i] + 1 << ": " << wrong.what() << '\n';
-    }
-  }
-  return totals;
+  const std::vector<Answer> answers =
+      workers->ask(pages, [&](size_t done, size_t failed) { progress.show(done, failed); });
+  workers.reset();
+  progress.clear();
+  if (options.index)
+    makeIndex(folder, options.draw.input.filename().string(), tidying.names, answers);
+  const bool wrong = complain(name, pages, answers);
+  tell(answers, std::chrono::duration<double>(Clock::now() - started).count());
+  return !wrong;
 }
 
 int run(int count, char** arguments) {
@@ -186,30 +216,40 @@ int run(int count, char** arguments) {
   CLI::App app("Draws the pages of a PDF as SVG documents: page-001.svg and so on.",
                "qzsvggen-pdf");
   app.set_version_flag("--version", version);
-  app.add_option("INPUT", options.input, "the PDF")->required();
-  app.add_option("-o,--output", options.output, "the folder for the pages")->required();
+  app.add_option("INPUT", options.draw.input, "the PDF")->required();
+  app.add_option("-o,--output", options.output, "the folder for the pages");
+  app.add_flag("!--no-index", options.index, "write no index.html, which shows all pages");
   app.add_option("--pages", options.pages, "which pages, such as 1-3,7 (all)");
-  app.add_option("--text", options.text,
+  app.add_option("--text", options.draw.text,
                  "outlines: text is drawn as shapes; both: it can be found and copied as well")
-      ->check(CLI::IsMember({"outlines", "both"}))
-      ->capture_default_str();
-  app.add_option("--resolution", options.resolution, "pixels per inch of what becomes a bitmap")
+      ->transform(CLI::CheckedTransformer(textModes, CLI::ignore_case).description(""))
+      ->default_str("both");
+  app.add_option("--resolution", options.draw.resolution,
+                 "pixels per inch of what becomes a bitmap")
       ->check(CLI::Range(10, 2400))
       ->capture_default_str();
   app.add_option("--password-file", options.passwordFile,
                  "a file whose first line is the password");
   app.add_flag(
-      "--exact", options.exact,
+      "--exact", options.draw.exact,
       "leave the root as the library writes it: in twentieths of a point, without viewBox");
+  options.limits.jobs = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
+  app.add_option("--jobs", options.limits.jobs, "processes that draw at once (the cores)")
+      ->check(CLI::Range(1, 1000));
+  app.add_option("--seconds", options.limits.seconds, "of the processor that a page may take")
+      ->check(CLI::Range(1, 86400))
+      ->capture_default_str();
+  app.add_option("--memory", options.limits.memory, "megabytes that a process may take")
+      ->check(CLI::Range(64, 1 << 20))
+      ->capture_default_str();
+  app.add_flag("--count", options.count, "only tell how many pages there are");
   try {
     app.parse(count, arguments);
   } catch (const CLI::ParseError& wrong) {
     return app.exit(wrong) == 0 ? 0 : 2;
   }
-  const auto started = Clock::now();
-  const Totals totals = draw(options);
-  tell(totals, std::chrono::duration<double>(Clock::now() - started).count());
-  return totals.failed + totals.damaged > 0 ? 2 : 0;
+  options.draw.password = readPassword(options.passwordFile);
+  return draw(options) ? 0 : 2;
 }
 
 }  // namespace
@@ -217,6 +257,8 @@ int run(int count, char** arguments) {
 int main(int count, char** arguments) {
   try {
     return run(count, arguments);
+  } catch (const Interruption& interruption) {
+    raise(interruption.signal);
   } catch (const std::bad_alloc&) {
     std::fputs("qzsvggen-pdf: memory is exhausted\n", stderr);
   } catch (const std::exception& failure) {

@@ -1,5 +1,7 @@
 #include "output.h"
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>
@@ -19,42 +21,51 @@ std::string points(int32_t units) {
 
 }  // namespace
 
-OutputFolder::OutputFolder(fs::path folder, int pageCount)
-    : folder_(std::move(folder)), digits_(std::max<size_t>(3, std::to_string(pageCount).size())) {
+OutputFolder::OutputFolder(fs::path folder)
+    : folder_(std::move(folder)), run_(std::to_string(getpid())) {}
+
+void OutputFolder::make() {
   std::error_code error;
   made_ = fs::create_directories(folder_, error);
   if (error || !fs::is_directory(folder_)) throw std::runtime_error("no folder can be made there");
-  const fs::path probe = folder_ / ".qzsvggen-pdf";
+  const fs::path probe = partOf("probe");
   const bool writable = std::ofstream(probe).is_open();
   fs::remove(probe, error);
   if (!writable) throw std::runtime_error("the folder cannot be written");
 }
 
-OutputFolder::~OutputFolder() {
-  std::error_code ignored;
-  if (made_ && !used_) fs::remove(folder_, ignored);
+fs::path OutputFolder::partOf(const std::string& name) const {
+  return folder_ / (name + '.' + run_ + ".part");
 }
 
-fs::path OutputFolder::pathOf(int page) const {
-  const std::string number = std::to_string(page + 1);
-  return folder_ /
-         ("page-" + std::string(digits_ - std::min(digits_, number.size()), '0') + number + ".svg");
-}
-
-size_t OutputFolder::write(int page, const std::string& document) {
-  const fs::path path = pathOf(page), part = path.string() + ".part";
+void OutputFolder::write(const std::string& name,
+                         const std::function<void(std::ostream&)>& write) const {
+  const fs::path path = pathOf(name), part = partOf(name);
   std::ofstream file(part, std::ios::binary);
-  file << document;
+  write(file);
   file.close();
   std::error_code error;
   if (file) fs::rename(part, path, error);
   if (!file || error) {
-    std::error_code ignored;
-    fs::remove(part, ignored);
+    removePart(name);
     throw std::runtime_error(path.string() + " cannot be written");
   }
-  used_ = true;
-  return document.size();
+}
+
+void OutputFolder::removePart(const std::string& name) const {
+  std::error_code ignored;
+  fs::remove(partOf(name), ignored);
+}
+
+void OutputFolder::removeIfEmpty() const {
+  std::error_code ignored;
+  if (made_) fs::remove(folder_, ignored);  // which fails while there is anything in it
+}
+
+std::string pageName(int page, int pageCount) {
+  const size_t digits = std::max<size_t>(3, std::to_string(pageCount).size());
+  const std::string number = std::to_string(page + 1);
+  return "page-" + std::string(digits - std::min(digits, number.size()), '0') + number + ".svg";
 }
 
 std::string inPoints(const std::u16string& document, const RECT& page) {

@@ -90,7 +90,8 @@ class Control {
     this.group = group;
     this.pattern = field.type === 'FT_DATE' ? field.data.replace(/^\d+ /, '') : '';
     this.input = this.#createInput();
-    this.drawn = [...group.querySelectorAll('text')];
+    // Letters drawn as outlines show the value, too. No other shapes have names.
+    this.drawn = [...group.querySelectorAll('text,path[id],use:not([*|href*=QZ_I],[*|href*=QZ_S])')];
     if (this.checkable) this.mark = this.#findMark();
     else {
       this.#placeText(fontOf);
@@ -139,12 +140,12 @@ class Control {
     const { left, top, right, bottom } = this.field.bounds;
     const height = bottom - top;
     const { style } = this.input;
-    const [run] = this.drawn;
+    const run = this.drawn.find(each => each.localName === 'text');
     const font = run ? fontOf(run) : { css: `${Math.round(height * 0.65)}px sans-serif`, size: Math.round(height * 0.65) };
     const x = run ? Number(run.getAttribute('x')?.split(' ')[0]) : left + font.size / 5;
     style.font = font.css;
     style.fontSize = units(font.size);
-    style.color = run?.getAttribute('fill') ?? '';
+    style.color = this.drawn[0]?.closest('[fill]')?.getAttribute('fill') ?? '';
     const { fontBoundingBoxAscent: ascent, fontBoundingBoxDescent: descent } = measure('x', font);
     const baseline = run ? Number(run.getAttribute('y')) - top : (height - ascent - descent) / 2 + ascent;
     const multiline = this.input instanceof HTMLTextAreaElement;

@@ -186,6 +186,17 @@ def links():
     return drawn(first, second)
 
 
+def add_signature(pdf):
+    signature = pdf.make_indirect(Dictionary(
+        Type=Name.Annot, Subtype=Name.Widget, FT=Name.Sig, T=String("Sign here"),
+        Rect=Array([20, 60, 140, 120]), F=4, P=pdf.pages[0].obj,
+        V=pdf.make_indirect(Dictionary(
+            Type=Name.Sig, Filter=Name("/Adobe.PPKLite"), Name=String("Edda Quill"),
+            Reason=String("Agreed"), M=String("D:20241224120000Z")))))
+    pdf.Root.AcroForm.Fields.append(signature)
+    pdf.pages[0].Annots.append(signature)
+
+
 def form():
     def page(c):
         fields = c.acroForm
@@ -211,14 +222,7 @@ def form():
                     S=Name.JavaScript, JS=String('AFDate_FormatEx("dd.mm.yyyy");'))))
             elif field.T == "name.first":
                 fit(field, Ff=4096 + 2, V=String("Ada & <Co>\nLovelace"))
-        signature = pdf.make_indirect(Dictionary(
-            Type=Name.Annot, Subtype=Name.Widget, FT=Name.Sig, T=String("Sign here"),
-            Rect=Array([20, 60, 140, 120]), F=4, P=pdf.pages[0].obj,
-            V=pdf.make_indirect(Dictionary(
-                Type=Name.Sig, Filter=Name("/Adobe.PPKLite"), Name=String("Edda Quill"),
-                Reason=String("Agreed"), M=String("D:20241224120000Z")))))
-        pdf.Root.AcroForm.Fields.append(signature)
-        pdf.pages[0].Annots.append(signature)
+        add_signature(pdf)
 
     return changed(drawn(page), change)
 
@@ -300,6 +304,56 @@ def broken_page():
         pdf.pages[1].obj.UserUnit = 0
 
     return changed(drawn(shapes, clips, text), change)
+
+
+def costly_page(change):
+    """Three pages, the second of which holds what a function of the PDF and its page adds."""
+    return changed(drawn(shapes, clips, text), lambda pdf: change(pdf, pdf.pages[1]))
+
+
+def endless_page():
+    """Forms in forms, a thousand billion that draw nothing."""
+    def change(pdf, page):
+        form = pdf.make_stream(b"q Q", Type=Name.XObject, Subtype=Name.Form,
+                               BBox=Array([0, 0, 300, 300]))
+        for _ in range(12):
+            form = pdf.make_stream(b"/X Do " * 10, Type=Name.XObject, Subtype=Name.Form,
+                                   BBox=Array([0, 0, 300, 300]),
+                                   Resources=Dictionary(XObject=Dictionary(X=form)))
+        page.Resources.XObject = Dictionary(X=form)
+        page.Contents = pdf.make_stream(b"/X Do")
+
+    return costly_page(change)
+
+
+def huge_image():
+    def change(pdf, page):
+        page.Resources.XObject = Dictionary(X=pdf.make_stream(
+            bytes(18_000_000), Type=Name.XObject, Subtype=Name.Image, Width=12000, Height=12000,
+            ColorSpace=Name.DeviceGray, BitsPerComponent=1))
+        page.Contents = pdf.make_stream(b"300 0 0 300 0 0 cm /X Do")
+
+    return costly_page(change)
+
+
+def book():
+    """Many different pages."""
+    return drawn(*(6 * [shapes, joins, clips, text, pictures]))
+
+
+def handbook():
+    """Forty pages, with a link, a form and a signature on the first."""
+    def first(c):
+        c.drawString(20, 260, "To chapter nine")
+        c.linkRect("", "nine", (20, 256, 140, 274))
+        c.acroForm.textfield(name="name", x=20, y=200, width=120, height=20, value="Ada")
+        c.acroForm.checkbox(name="yes", x=20, y=160)
+
+    def chapter(c):
+        c.drawString(20, 200, "Chapter nine begins here")
+        c.bookmarkPage("nine", fit="XYZ", left=20, top=212)
+
+    return changed(drawn(first, *(15 * [text, pictures]), chapter, *(8 * [shapes])), add_signature)
 
 
 FEATURES = {

@@ -2,14 +2,19 @@
 """Tests of qzsvggen-pdf: pdf_test.py PROGRAM."""
 
 import concurrent.futures
+import contextlib
+import csv
+import importlib.util
 import io
 import os
 import pathlib
 import random
 import re
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import xml.etree.ElementTree as ElementTree
 
@@ -54,7 +59,7 @@ class Folder(unittest.TestCase):
         out = self.folder / "out"
         status, _, errors = run(self.file(data), out, *options)
         self.assertEqual((status, errors), (0, ""))
-        return [page.read_bytes() for page in sorted(out.iterdir())]
+        return [page.read_bytes() for page in sorted(out.glob("*.svg"))]
 
     def trees(self, data, *options):
         return [ElementTree.fromstring(page) for page in self.draw(data, *options)]
@@ -212,12 +217,140 @@ class Input(Folder):
         self.assertEqual(status, 2)
         self.assertIn("page 2", errors)
         self.assertIn("1 page failed", told)
-        self.assertEqual(sorted(p.name for p in out.iterdir()), ["page-001.svg", "page-003.svg"])
+        self.assertEqual(sorted(p.name for p in out.iterdir()),
+                         ["index.html", "page-001.svg", "page-003.svg"])
+        self.assertEqual((out / "index.html").read_text().count('type="image/svg+xml"'), 2)
 
     def test_pages(self):
         out = self.folder / "out"
-        run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2")
+        run(self.file(make_pdfs.FEATURES["links"]), out, "--pages=2", "--no-index")
         self.assertEqual([p.name for p in out.iterdir()], ["page-002.svg"])
+
+
+class Index(Folder):
+    PUPPETEER = HERE.parents[2] / "viewer/node_modules/puppeteer-core"
+
+    def index(self, pdf):
+        self.draw(pdf)
+        return self.folder / "out/index.html"
+
+    def test_what_pages_share_is_there_once(self):
+        index = self.index(make_pdfs.book()).read_bytes()
+        image = compare.base64.b64encode(make_pdfs.jpeg())
+        self.assertEqual(sum(page.count(image) for page in self.draw(make_pdfs.book())), 12)
+        self.assertEqual(index.count(image), 1)
+
+    def test_the_name_of_the_file_is_no_markup(self):
+        run(self.file(make_pdfs.FEATURES["text"], "<b>&.pdf"), self.folder / "out")
+        self.assertIn(b"<title>&lt;b>&amp;.pdf</title>", (self.folder / "out/index.html").read_bytes())
+
+    @unittest.skipUnless(PUPPETEER.exists(), "there are no packages of the viewer")
+    def test_in_browsers(self):
+        index = self.index(make_pdfs.handbook())
+        done = subprocess.run(["node", "--test", HERE / "index.test.js"], capture_output=True,
+                              text=True, env={**os.environ, "INDEX": index.as_uri()})
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+
+
+class Processes(Folder):
+    WRITTEN = ["page-001.svg", "page-003.svg"]
+
+    def names(self):
+        return sorted(page.name for page in (self.folder / "out").iterdir()
+                      if page.name != "index.html")
+
+    def begin(self, pdf, *options):
+        """A run that has drawn all pages but the second."""
+        program = subprocess.Popen([PROGRAM, self.file(pdf), "-o", self.folder / "out", *options],
+                                   stderr=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        while not set(self.WRITTEN) <= {p.name for p in self.folder.glob("out/*")}:
+            time.sleep(0.01)
+        time.sleep(0.1)
+        return program
+
+    def test_output_does_not_depend_on_their_number(self):
+        one, *others = [self.draw(make_pdfs.book(), "--jobs", str(jobs)) for jobs in (1, 2, 4)]
+        self.assertEqual(len(one), 30)
+        for other in others:
+            self.assertEqual(other, one)
+
+    def test_a_page_over_a_limit_is_named_and_the_others_are_written(self):
+        for pdf, limit, message in [
+                (make_pdfs.endless_page(), "--seconds=1", "takes more than 1 s"),
+                (make_pdfs.huge_image(), "--memory=100", "")]:
+            with self.subTest(limit):
+                status, told, errors = run(self.file(pdf), self.folder / "out", limit)
+                self.assertEqual(status, 2)
+                self.assertRegex(errors, f"^.*test.pdf: page 2: .*{message}.*\n$")
+                self.assertRegex(told, "^2 pages, .*1 page failed")
+                self.assertEqual(self.names(), self.WRITTEN)
+
+    def test_a_crash_costs_one_page(self):
+        program = self.begin(make_pdfs.endless_page(), "--jobs=2")
+        children = pathlib.Path(f"/proc/{program.pid}/task/{program.pid}/children").read_text()
+        running = []
+        while not running:  # the other one sleeps
+            running = [pid for pid in children.split()
+                       if " R " in pathlib.Path(f"/proc/{pid}/stat").read_text()]
+        os.kill(int(running[0]), signal.SIGSEGV)
+        told, errors = program.communicate(timeout=60)
+        self.assertEqual(program.returncode, 2)
+        self.assertRegex(errors, "^.*test.pdf: page 2: the engine crashed: .*\n$")
+        self.assertRegex(told, "^2 pages, .*1 page failed")
+        self.assertEqual(self.names(), self.WRITTEN)
+
+    def test_an_interruption_leaves_whole_files_and_no_process(self):
+        program = self.begin(make_pdfs.endless_page(), "--jobs=2")
+        (self.folder / f"out/page-002.svg.{program.pid}.part").write_text("<svg")
+        program.send_signal(signal.SIGINT)
+        program.communicate(timeout=60)  # as long as a worker lives, its output is open
+        self.assertEqual(program.returncode, -signal.SIGINT)
+        self.assertEqual(self.names(), self.WRITTEN)
+
+
+@unittest.skipUnless(importlib.util.find_spec("distributed"), "there is no python3-distributed")
+class Cluster(Folder):
+    def rows(self):
+        table = self.folder / "drawn/results.csv"
+        with contextlib.suppress(FileNotFoundError), table.open(newline="") as file:
+            return list(csv.DictReader(file))
+        return []
+
+    def begin(self, cluster):
+        return subprocess.Popen(
+            [HERE.parent / "cluster.py", PROGRAM, self.folder / "pdfs", "-o", self.folder / "drawn",
+             "--scheduler", cluster.scheduler_address, "--pages=1"],
+            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def test_a_killed_worker_loses_nothing(self):
+        import distributed
+        (self.folder / "pdfs/sub").mkdir(parents=True)
+        for name, data in [("book", make_pdfs.book()), ("sub/broken", make_pdfs.broken_page()),
+                           ("none", b"")]:
+            self.file(data, f"pdfs/{name}.pdf")
+        with distributed.LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None) as \
+                cluster, distributed.Client(cluster) as client:
+            workers = list(client.run(os.getpid).values())
+            program = self.begin(cluster)
+            while len(self.rows()) < 3:
+                time.sleep(0.01)
+            os.kill(workers[0], signal.SIGKILL)
+            self.assertLess(len(self.rows()), 34, "it was killed in the middle")
+            told, errors = program.communicate(timeout=120)
+            self.assertEqual(program.returncode, 2, errors)
+            self.assertNotIn(workers[0], client.run(os.getpid).values())
+            again = self.begin(cluster).communicate(timeout=120)[0]
+
+        self.assertRegex(told, "^3 documents, 32 pages, .* 34 ranges in this run, 2 with faults")
+        self.assertRegex(errors, "none.pdf: is not a PDF")
+        self.assertRegex(errors, "sub/broken.pdf: .*page 2: ")
+        self.assertRegex(again, "^3 documents, 32 pages, .* 0 ranges in this run, 2 with faults")
+        done = sorted((pathlib.Path(row["document"]).stem, int(row["first"] or 0), row["status"])
+                      for row in self.rows())
+        self.assertEqual(done, [*(("book", i, "0") for i in range(1, 31)), ("broken", 1, "0"),
+                                ("broken", 2, "2"), ("broken", 3, "0"), ("none", 0, "2")])
+        pages = [page.read_bytes() for page in sorted(self.folder.glob("drawn/book/*"))]
+        self.assertEqual(pages, self.draw(make_pdfs.book()))
 
 
 def mutate(data, chance):
@@ -252,7 +385,7 @@ class Mutants(Folder):
             own = subprocess.run(["mutool", "draw", "-q", "-F", "png", "-o", os.devnull, pdf],
                                  capture_output=True, timeout=60).returncode
             return None if own < 0 else f"mutant {number}: {status}"
-        for page in out.iterdir() if out.exists() else []:
+        for page in out.glob("*.svg"):
             try:
                 ElementTree.parse(page)
             except ElementTree.ParseError as wrong:
