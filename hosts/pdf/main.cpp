@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iostream>
 
+#include "engine.h"
 #include "output.h"
 #include "page_writer.h"
 
@@ -111,16 +112,15 @@ class Progress {
 
 void drawPage(Engine& engine, int number, const Options& options, OutputFolder& folder,
               Totals& totals) {
-  const Scene scene = engine.read(number);
-  Plan plan = makePlan(scene);
-  const auto bitmaps = engine.render(plan.bitmaps, options.resolution);
+  const Scene scene = engine.read(number, options.resolution);
+  const Plan plan = makePlan(scene);
   const std::u16string document =
-      writePage(scene, plan, bitmaps, engine.outlines(),
+      writePage(scene, plan, engine.outlines(),
                 options.text == "both" ? TextMode::kBoth : TextMode::kOutlines);
   totals.bytes += folder.write(
       number, options.exact ? qzsvggen::toUtf8(document) : inPoints(document, scene.page));
   ++totals.pages;
-  totals.bitmaps += static_cast<int>(bitmaps.size());
+  totals.bitmaps += scene.bitmaps;
   totals.pictures += static_cast<int>(plan.pictures.size());
   totals.droppedLinks += scene.droppedLinks;
   totals.untypedFields += scene.untypedFields;
