@@ -18,13 +18,6 @@ class EngineError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// A picture that the engine is to draw.
-struct RenderJob {
-  Box area;                  // units
-  std::vector<Calls> calls;  // in order; each is a node's
-  bool onPage = false;       // on all that is drawn before, and on white
-};
-
 class Engine {
  public:
   // Opens a file. Throws EngineError when it is no PDF, or cannot be opened without a password, or
@@ -35,12 +28,9 @@ class Engine {
   int pageCount() const;
   bool wasRepaired() const;
 
-  // Reads a page, counted from 0. Throws EngineError.
-  Scene read(int page);
-
-  // Pictures of parts of the page that was read last, in pixels per inch. Their bounds in units
-  // replace the areas of the jobs.
-  std::vector<std::shared_ptr<const Picture>> render(std::vector<RenderJob>& jobs, int resolution);
+  // Reads a page, counted from 0. What only the engine can draw becomes bitmaps of so many pixels
+  // per inch. Throws EngineError.
+  Scene read(int page, int resolution);
 
   // All outlines that the texts of the page read last refer to.
   const std::vector<Outline>& outlines() const;

@@ -29,6 +29,19 @@ inline int32_t toUnits(float value) {
 }
 inline POINT toUnits(Point p) { return {toUnits(p.x), toUnits(p.y)}; }
 
+// Maps (x, y) to (a x + c y + e, b x + d y + f).
+struct Matrix {
+  float a = 1, b = 0, c = 0, d = 1, e = 0, f = 0;
+
+  Point map(Point p) const { return {a * p.x + c * p.y + e, b * p.x + d * p.y + f}; }
+  float determinant() const { return a * d - b * c; }
+  // Of a matrix whose determinant is not 0.
+  Matrix inverse() const {
+    const float s = 1 / determinant();
+    return {d * s, -b * s, -c * s, a * s, (c * f - d * e) * s, (b * e - a * f) * s};
+  }
+};
+
 struct Box {
   float left = INFINITY, top = INFINITY, right = -INFINITY, bottom = -INFINITY;
 
@@ -55,6 +68,17 @@ struct Box {
   RECT rounded() const { return {toUnits(left), toUnits(top), toUnits(right), toUnits(bottom)}; }
   friend bool operator==(const Box&, const Box&) = default;
 };
+
+inline Box boundsOf(const std::vector<Point>& points) {
+  Box box;
+  for (const Point p : points) box.include(p);
+  return box;
+}
+
+inline Box mapped(const Box& box, const Matrix& m) {
+  return boundsOf({m.map({box.left, box.top}), m.map({box.right, box.top}),
+                   m.map({box.left, box.bottom}), m.map({box.right, box.bottom})});
+}
 
 inline Box common(const Box& a, const Box& b) {
   return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),

@@ -51,6 +51,12 @@ class Owned {
 
 inline fz_matrix linearPart(fz_matrix m) { return {m.a, m.b, m.c, m.d, 0, 0}; }
 
+inline Matrix toMatrix(fz_matrix m) { return {m.a, m.b, m.c, m.d, m.e, m.f}; }
+
+inline uint8_t toByte(float value) {
+  return static_cast<uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255));
+}
+
 inline Box toBox(fz_rect r) { return {r.x0, r.y0, r.x1, r.y1}; }
 
 }  // namespace qz::pdf

@@ -12,17 +12,15 @@ Answer PageJob::operator()(int page) {
 }
 
 Answer PageJob::draw(int page) {
-  const Scene scene = engine_->read(page);
-  Plan plan = makePlan(scene);
-  const auto bitmaps = engine_->render(plan.bitmaps, options_.resolution);
-  const std::u16string document =
-      writePage(scene, plan, bitmaps, engine_->outlines(), options_.text);
+  const Scene scene = engine_->read(page, options_.resolution);
+  const Plan plan = makePlan(scene);
+  const std::u16string document = writePage(scene, plan, engine_->outlines(), options_.text);
   const std::string text =
       options_.exact ? qzsvggen::toUtf8(document) : inPoints(document, scene.page);
   folder_.write(pageName(page, engine_->pageCount()), [&](std::ostream& file) { file << text; });
   Answer answer;
   answer.damaged = scene.damages > 0;
-  answer.bitmaps = static_cast<int>(bitmaps.size());
+  answer.bitmaps = scene.bitmaps;
   answer.pictures = static_cast<int>(plan.pictures.size());
   answer.droppedLinks = scene.droppedLinks;
   answer.untypedFields = scene.untypedFields;

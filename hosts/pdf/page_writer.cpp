@@ -24,8 +24,7 @@ class Writer {
     fieldCut_.resize(scene.fields.size());
   }
 
-  void draw(const Plan& plan, const std::vector<std::shared_ptr<const Picture>>& bitmaps,
-            const std::vector<TextLine>& lines) {
+  void draw(const Plan& plan, const std::vector<TextLine>& lines) {
     for (const Item& item : plan.items)
       if (item.field >= 0 && item.clip) fieldCut_[static_cast<size_t>(item.field)] = true;
     defineOutlines(plan);
@@ -37,12 +36,10 @@ class Writer {
         finishField(field, lines);
         field = item.field;
       }
-      if (item.kind == Item::Kind::kLeaf)
+      if (item.node != nullptr)
         drawLeaf(item);
-      else if (item.kind == Item::Kind::kBitmap)
-        drawBitmap(item, plan.bitmaps[item.index], *bitmaps[item.index]);
       else
-        drawSvg(item, plan.pictures[item.index]);
+        drawSvg(item, plan.pictures[item.picture]);
     }
     finishField(field, lines);
     endBlock();
@@ -155,7 +152,7 @@ class Writer {
     endBlock();
     enter(clipOf(item), groupOf(item));
     if (node.kind == Kind::kPicture) {
-      const Picture& picture = *std::get<std::shared_ptr<const Picture>>(node.content);
+      const Picture& picture = *std::get<PlacedPicture>(node.content).picture;
       page_.drawImage(picture.format, node.bounds.rounded(), picture.bytes);
       return;
     }
@@ -167,17 +164,11 @@ class Writer {
       drawStroke(path);
   }
 
-  void drawBitmap(const Item& item, const RenderJob& job, const Picture& picture) {
-    endBlock();
-    enter(clipOf(item), groupOf(item));
-    page_.drawImage(picture.format, job.area.rounded(), picture.bytes);
-  }
-
   void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
     endBlock();
     enter({}, groupOf(item));
     page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
-                    drawSvgPicture(parts, scene_.page, outlines_, item.index));
+                    drawSvgPicture(parts, scene_.page, outlines_, item.picture));
   }
 
   void paint(const Node& node, Colour c) {
@@ -375,11 +366,10 @@ class Writer {
 
 }  // namespace
 
-std::u16string writePage(const Scene& scene, const Plan& plan,
-                         const std::vector<std::shared_ptr<const Picture>>& bitmaps,
-                         const std::vector<Outline>& outlines, TextMode mode) {
+std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
+                         TextMode mode) {
   Writer writer(scene, outlines);
-  writer.draw(plan, bitmaps,
+  writer.draw(plan,
               mode == TextMode::kBoth ? makeTextLines(scene, outlines) : std::vector<TextLine>());
   return writer.close();
 }

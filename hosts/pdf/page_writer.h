@@ -8,9 +8,8 @@ namespace qz::pdf {
 
 enum class TextMode { kOutlines, kBoth };
 
-// The page's document. `bitmaps` are those of the plan.
-std::u16string writePage(const Scene& scene, const Plan& plan,
-                         const std::vector<std::shared_ptr<const Picture>>& bitmaps,
-                         const std::vector<Outline>& outlines, TextMode mode);
+// The page's document.
+std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
+                         TextMode mode);
 
 }  // namespace qz::pdf

@@ -1,7 +1,6 @@
 #include "plan.h"
 
 #include "shapes.h"
-#include "svg_picture.h"
 
 namespace qz::pdf {
 namespace {
@@ -30,9 +29,9 @@ bool isSayable(const Node& leaf) {
     case Kind::kStroke:
       return strokesDirectly(std::get<Path>(leaf.content), leaf.pen);
     case Kind::kText:
-      return leaf.pen.dashCount == 0;
+      return leaf.pen.dashCount == 0 && leaf.pen.circular;
     case Kind::kPicture:
-      return !leaf.stretched;
+      return leaf.alpha == 1 && std::get<PlacedPicture>(leaf.content).plain;
     default:
       return false;
   }
@@ -54,8 +53,8 @@ class Planner {
     if (!node.bounds.meets(clip)) return;
     if (node.kind == Kind::kClip) return visitClip(node, clip, alpha);
     if (node.kind == Kind::kGroup) return visitGroup(node, clip, alpha);
-    if (node.colour.alpha == 0 && node.kind != Kind::kEngine) return;
-    if (!isSayable(node)) return addUnsayable(node, clip, alpha);
+    if (node.colour.alpha == 0) return;
+    if (!isSayable(node)) return addToPicture(node, clip, alpha);
     Item item = itemOf(node, clip);
     item.node = &node;
     item.alpha = alpha;
@@ -69,20 +68,21 @@ class Planner {
     if (const std::optional<Box> rectangle = asRectangle(path))
       inner = common(clip, *rectangle);
     else if (!covers(path, common(node.bounds, clip)))
-      return addUnsayable(node, clip, alpha);
+      return addToPicture(node, clip, alpha);
     for (const Node& child : node.children) visit(child, inner, alpha);
   }
 
   void visitGroup(const Node& node, const Box& clip, float alpha) {
     if (node.blendMode != nullptr || (node.alpha < 1 && (overlap(node) || !saysAlpha(node))))
-      return addUnsayable(node, clip, alpha);
+      return addToPicture(node, clip, alpha);
     for (const Node& child : node.children) visit(child, clip, alpha * node.alpha);
   }
 
   // Only shapes and texts take an alpha.
   static bool saysAlpha(const Node& node) {
-    if (node.kind == Kind::kPicture || node.kind == Kind::kEngine) return false;
+    if (node.kind == Kind::kPicture) return false;
     if (node.children.empty()) return isSayable(node);
+    if (node.kind == Kind::kMask || node.kind == Kind::kTile) return false;
     if (node.kind == Kind::kClip) {
       const Path& path = std::get<Path>(node.content);
       if (!asRectangle(path) && !covers(path, node.bounds)) return false;
@@ -116,55 +116,23 @@ class Planner {
     pending_ = {};
   }
 
-  void addUnsayable(const Node& node, const Box& clip, float alpha) {
-    if (!isPicturable(node)) return addBitmap(node, clip);
+  void addToPicture(const Node& node, const Box& clip, float alpha) {
     const Item item = itemOf(node, clip);
     if (pendingBoxes_.size() >= maxParts || item.field != pending_.field ||
         item.link != pending_.link)
       flushPicture();
     if (pendingBoxes_.empty()) {
       pending_ = item;
-      pending_.kind = Item::Kind::kSvgPicture;
-      pending_.index = plan.pictures.size();
+      pending_.picture = plan.pictures.size();
       plan.pictures.emplace_back();
     }
     pending_.bounds.include(item.bounds);
     pendingBoxes_.push_back(item.bounds);
-    plan.pictures[pending_.index].push_back({&node, clip, alpha});
-  }
-
-  void addBitmap(const Node& node, const Box& clip) {
-    Item item = itemOf(node, clip);
-    const bool blends = node.blendMode != nullptr;
-    if (!blends && extendLast(item, node.calls, clip)) return;
-    lastClip_ = clip;
-    item.kind = Item::Kind::kBitmap;
-    item.index = plan.bitmaps.size();
-    if (clip != page_) item.clip = clip.rounded();
-    plan.bitmaps.push_back({item.bounds, {node.calls}, blends});
-    add(item);
-  }
-
-  // Neighbours share a bitmap unless it would be much larger than they are.
-  bool extendLast(const Item& item, Calls calls, const Box& clip) {
-    if (plan.items.empty() || !pendingBoxes_.empty()) return false;
-    Item& last = plan.items.back();
-    if (last.kind != Item::Kind::kBitmap) return false;
-    RenderJob& job = plan.bitmaps[last.index];
-    if (lastClip_ != clip || job.onPage || last.field != item.field || last.link != item.link)
-      return false;
-    const auto area = [](const Box& box) { return (box.width() + 400) * (box.height() + 400); };
-    Box both = last.bounds;
-    both.include(item.bounds);
-    if (area(both) > 2 * (area(last.bounds) + area(item.bounds))) return false;
-    last.bounds = job.area = both;
-    job.calls.push_back(calls);
-    return true;
+    plan.pictures[pending_.picture].push_back({&node, clip, alpha});
   }
 
   const Scene& scene_;
   Box page_;
-  Box lastClip_;                   // of the last bitmap
   Item pending_;                   // the picture that is being collected
   std::vector<Box> pendingBoxes_;  // of its parts
 };

@@ -1,8 +1,9 @@
-// Decides, subtree by subtree, what of a scene the library's calls say, what an SVG picture says,
-// and what has to become a bitmap.
+// Decides, subtree by subtree, what of a scene the library's calls say and what an SVG picture.
 #pragma once
 
-#include "engine.h"
+#include <optional>
+
+#include "scene.h"
 
 namespace qz::pdf {
 
@@ -13,12 +14,10 @@ struct PicturePart {
   float alpha = 1;
 };
 
-// One thing to be drawn, in painting order: a leaf, a bitmap or an SVG picture.
+// One thing to be drawn, in painting order.
 struct Item {
-  enum class Kind : uint8_t { kLeaf, kBitmap, kSvgPicture };
-  Kind kind = Kind::kLeaf;
-  const Node* node = nullptr;  // a leaf
-  size_t index = 0;            // of the plan's bitmap or picture
+  const Node* node = nullptr;  // a leaf, or null for an SVG picture
+  size_t picture = 0;          // its index in the plan
   Box bounds;
   std::optional<RECT> clip;  // if it is cut
   float alpha = 1;
@@ -27,7 +26,6 @@ struct Item {
 
 struct Plan {
   std::vector<Item> items;
-  std::vector<RenderJob> bitmaps;
   std::vector<std::vector<PicturePart>> pictures;
 };
 

@@ -23,13 +23,14 @@ enum class Join : uint8_t { kMitre, kRound, kBevel };
 
 struct Pen {
   float width = 0;
-  float skew = 0;  // by how much the width of a pen that is no circle varies
   Cap cap = Cap::kButt;
   Join join = Join::kMitre;
   float mitreLimit = 10;
-  std::array<float, 8> dashes = {};  // on, off, on ...
-  int dashCount = 0;                 // 0 for a solid line; more than there are places: not known
+  std::array<float, 12> dashes = {};  // on, off, on ...
+  int dashCount = 0;                  // 0 for a solid line
   float dashPhase = 0;
+  bool circular = true;
+  Matrix ellipse;  // what makes a circle of that width the pen; it moves nothing
 };
 
 // The shape of a glyph at the origin, rounded to units.
@@ -61,35 +62,62 @@ struct Picture {
   std::string bytes;
 };
 
-// A range of the engine's drawing calls, both ends included.
-struct Calls {
-  uint32_t first = 0, last = 0;
+struct PlacedPicture {
+  std::shared_ptr<const Picture> picture;
+  Matrix matrix;        // from a square of size 1, whose y runs down, too
+  bool plain = false;   // upright and in its own proportions
+  bool coarse = false;  // with pixels that are meant to be seen as squares
+};
+
+// A line, or two circles of which the first lies within the second.
+struct GradientShape {
+  bool radial = false;
+  Matrix matrix;  // from the gradient's own coordinates
+  Point from, to;
+  float fromRadius = 0, toRadius = 0;
+  bool goesBefore = false, goesBeyond = false;  // whether colours go on at the ends
+};
+
+struct Gradient {
+  struct Stop {
+    float offset;  // 0 to 1
+    Colour colour;
+  };
+  GradientShape shape;
+  std::vector<Stop> stops;
+};
+
+// A tile, drawn by the children where it lies first, that fills its node's bounds.
+struct Tile {
+  Box view;       // what of it is seen, in its own coordinates
+  Point step;     // to the next one
+  Matrix matrix;  // from its own coordinates
 };
 
 enum class Kind : uint8_t {
   kFill,     // a path
   kStroke,   // a path
   kText,     // a text, filled, or stroked when the pen has a width
-  kPicture,  // a picture in `bounds`
+  kPicture,  // a picture
+  kShade,    // a gradient that fills the bounds
   kClip,     // children, clipped by a path
   kGroup,    // children, painted as one
-  kEngine,   // children, or a leaf without content, as only the engine can draw it
+  kMask,     // children, masked by the first of them, which is a group
+  kTile,     // children, again and again
 };
 
 struct Node {
   Kind kind = Kind::kGroup;
   bool evenOdd = false;             // fills and clips
-  bool blends = false;              // groups and what the engine draws: with what lies below
-  bool stretched = false;           // a picture that does not keep its proportions
-  bool ownMask = false;             // a picture that has been masked by what encloses it
+  bool luminous = false;            // masks: lightness counts, not alpha
   int32_t field = -1;               // index of the form field that it belongs to
-  float alpha = 1;                  // groups
+  float alpha = 1;                  // groups, pictures and gradients
   const char* blendMode = nullptr;  // of a group, as CSS names it; null for the normal one
-  Colour colour;
-  Calls calls;
-  Box bounds;  // of what is drawn, clips that enclose it left aside
+  Colour colour;                    // of a mask: where it draws nothing
+  Box bounds;  // of what is drawn, clips that enclose it left aside; it may be infinite
   Pen pen;
-  std::variant<std::monostate, Path, Text, std::shared_ptr<const Picture>> content;
+  std::variant<std::monostate, Path, Text, PlacedPicture, std::shared_ptr<const Gradient>, Tile>
+      content;
   std::vector<Node> children;
 };
 
@@ -122,6 +150,7 @@ struct Scene {
   std::vector<Field> fields;
   int droppedLinks = 0;   // with schemes that are not passed on
   int untypedFields = 0;  // drawn, but no fields of the format
+  int bitmaps = 0;        // parts that only the engine could draw
   int damages = 0;        // places where the page could not be read
 };
 

@@ -1,13 +1,9 @@
 #include "scene_builder.h"
 
+#include "gradient.h"
+
 namespace qz::pdf {
 namespace {
-
-Box boundsOf(const std::vector<Point>& points) {
-  Box box;
-  for (const Point p : points) box.include(p);
-  return box;
-}
 
 // What text can hold: neither what XML refuses nor what says that nothing is known.
 char32_t textCharacter(int code) {
@@ -64,7 +60,6 @@ void PictureCache::add(const PictureKey& key, std::shared_ptr<const Picture> pic
   const auto [place, isNew] = pictures_.emplace(key, std::move(picture));
   if (!isNew) return;
   fz_keep_image(context_, key.image);
-  fz_keep_image(context_, key.mask);
   bytes_ += place->second->bytes.size();
 }
 
@@ -73,10 +68,7 @@ void PictureCache::trim() {
 }
 
 void PictureCache::clear() {
-  for (const auto& [key, picture] : pictures_) {
-    fz_drop_image(context_, key.image);
-    fz_drop_image(context_, key.mask);
-  }
+  for (const auto& [key, picture] : pictures_) fz_drop_image(context_, key.image);
   pictures_.clear();
   bytes_ = 0;
 }
@@ -89,26 +81,23 @@ SceneBuilder::SceneBuilder(GlyphCache& glyphs, PictureCache& pictures)
 Node SceneBuilder::finish() {
   while (open_.size() > 1) close();
   if (failure_) std::rethrow_exception(failure_);
-  return std::move(open_.front().node);
+  return std::move(open_.front());
 }
 
 Node SceneBuilder::leaf(Kind kind) const {
   Node node;
   node.kind = kind;
   node.field = field_;
-  node.calls = {calls_, calls_};
   return node;
 }
 
+// A mask and the copies of a tile do not count for the bounds.
 void SceneBuilder::add(Node node) {
-  Node& parent = open_.back().node;
-  parent.bounds.include(node.bounds);
+  Node& parent = open_.back();
+  const bool drawnThere =
+      parent.kind == Kind::kMask ? !parent.children.empty() : parent.kind != Kind::kTile;
+  if (drawnThere) parent.bounds.include(node.bounds);
   parent.children.push_back(std::move(node));
-}
-
-void SceneBuilder::open(Kind kind, Node node, fz_image* mask, fz_matrix matrix) {
-  node.kind = kind;
-  open_.push_back({std::move(node), mask, matrix});
 }
 
 void SceneBuilder::openClip(bool evenOdd) noexcept {
@@ -116,7 +105,7 @@ void SceneBuilder::openClip(bool evenOdd) noexcept {
     Node node = leaf(Kind::kClip);
     node.evenOdd = evenOdd;
     node.content = path_;
-    open(Kind::kClip, std::move(node));
+    open_.push_back(std::move(node));
   });
 }
 
@@ -125,42 +114,43 @@ void SceneBuilder::openGroup(const char* blendMode, float alpha) noexcept {
     Node node = leaf(Kind::kGroup);
     node.blendMode = blendMode;
     node.alpha = alpha;
-    open(Kind::kGroup, std::move(node));
+    open_.push_back(std::move(node));
   });
 }
 
-void SceneBuilder::openForeign(Box bounds) noexcept {
+void SceneBuilder::openTile(const Tile& tile, Box bounds) noexcept {
   keep([&] {
-    Node node = leaf(Kind::kEngine);
+    Node node = leaf(Kind::kTile);
+    node.content = tile;
     node.bounds = bounds;
-    open(Kind::kEngine, std::move(node));
+    open_.push_back(std::move(node));
   });
 }
 
-void SceneBuilder::openMask(fz_image* image, fz_matrix matrix) noexcept {
-  keep([&] { open(Kind::kEngine, leaf(Kind::kEngine), image, matrix); });
+bool SceneBuilder::isInTile() const noexcept {
+  return std::any_of(open_.begin(), open_.end(),
+                     [](const Node& node) { return node.kind == Kind::kTile; });
 }
 
-fz_image* SceneBuilder::pendingMask(fz_matrix& matrix) const noexcept {
-  const Open& top = open_.back();
-  if (!top.node.children.empty()) return nullptr;
-  matrix = top.maskMatrix;
-  return top.mask;
+void SceneBuilder::openMask(bool luminous, Colour backdrop) noexcept {
+  keep([&] {
+    Node node = leaf(Kind::kMask);
+    node.luminous = luminous;
+    node.colour = backdrop;
+    open_.push_back(std::move(node));
+    open_.push_back(leaf(Kind::kGroup));
+  });
 }
 
 void SceneBuilder::close() noexcept {
   keep([&] {
     if (open_.size() < 2) return;
-    Node node = std::move(open_.back().node);
+    Node node = std::move(open_.back());
     open_.pop_back();
-    node.calls.last = calls_;
-    if (node.children.empty()) return;
-    if (node.children.size() == 1 && node.children.front().ownMask) {
-      Node picture = std::move(node.children.front());
-      picture.ownMask = false;
-      node = std::move(picture);
-    }
-    add(std::move(node));
+    const Node& parent = open_.back();
+    const bool isMask = parent.kind == Kind::kMask && parent.children.empty();
+    const size_t least = node.kind == Kind::kMask ? 2 : 1;
+    if (isMask || node.children.size() >= least) add(std::move(node));
   });
 }
 
@@ -231,10 +221,13 @@ void SceneBuilder::addStroke(const Pen& pen, Colour colour) noexcept {
   });
 }
 
-void SceneBuilder::addForeign(Box bounds) noexcept {
+void SceneBuilder::addShade(const GradientShape& shape, const uint8_t* colours, int count,
+                            Box bounds, float alpha) noexcept {
   keep([&] {
-    Node node = leaf(Kind::kEngine);
+    Node node = leaf(Kind::kShade);
+    node.alpha = alpha;
     node.bounds = bounds;
+    node.content = std::make_shared<const Gradient>(makeGradient(shape, colours, count));
     add(std::move(node));
   });
 }
@@ -321,13 +314,32 @@ void SceneBuilder::storePicture(const PictureKey& key, qzsvggen::ImageFormat for
   });
 }
 
-void SceneBuilder::addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept {
+void SceneBuilder::addPicture(const PictureKey& key, Matrix m, Point pixels, bool smooth,
+                              float alpha) noexcept {
   keep([&] {
+    constexpr float maxSlack = 2;  // units: so much of its bounds a plain picture may leave empty
+    const float scale = std::min(m.a / pixels.x, m.d / pixels.y);
+    const bool upright = std::abs(m.b) < 0.5f && std::abs(m.c) < 0.5f && scale > 0;
+    PlacedPicture picture = {pictures_.find(key), m};
+    picture.coarse = !smooth && std::hypot(m.a, m.b) > 2 * unitsPerPoint * pixels.x;
+    picture.plain = upright && !picture.coarse && m.a - scale * pixels.x <= maxSlack &&
+                    m.d - scale * pixels.y <= maxSlack;
     Node node = leaf(Kind::kPicture);
-    node.ownMask = key.mask != nullptr;
-    node.stretched = stretched;
-    node.bounds = bounds;
-    node.content = pictures_.find(key);
+    node.alpha = alpha;
+    node.bounds = mapped({0, 0, 1, 1}, m);
+    node.content = std::move(picture);
+    add(std::move(node));
+  });
+}
+
+void SceneBuilder::addBitmap(const uint8_t* png, size_t size, Matrix m) noexcept {
+  keep([&] {
+    ++bitmaps_;
+    Node node = leaf(Kind::kPicture);
+    node.bounds = mapped({0, 0, 1, 1}, m);
+    node.content = PlacedPicture{std::make_shared<const Picture>(Picture{
+                                     qzsvggen::ImageFormat::kPng, std::string(png, png + size)}),
+                                 m, true};
     add(std::move(node));
   });
 }

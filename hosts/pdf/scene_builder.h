@@ -41,13 +41,12 @@ class GlyphCache {
   size_t points_ = 0;
 };
 
-// An image as it is shown: by the same key it looks the same.
+// An image as it is used: by the same key it looks the same.
 struct PictureKey {
+  enum class Use : uint8_t { kShown, kStencil, kMask };
   fz_image* image = nullptr;
-  fz_image* mask = nullptr;
-  uint32_t colour = 0;                 // of a stencil
-  int32_t a = 0, b = 0, c = 0, d = 0;  // units
-  uint8_t alpha = 255;
+  Use use = Use::kShown;
+  uint32_t colour = 0;  // of a stencil
   auto operator<=>(const PictureKey&) const = default;
 };
 
@@ -79,9 +78,6 @@ class SceneBuilder {
   // The scene's root. Throws what went wrong.
   Node finish();
 
-  // Counts a call of the device. The glyphs of Type 3 fonts are drawn within one.
-  void count() noexcept { calls_ += type3Depth_ == 0 ? 1 : 0; }
-
   // Paths: begun, walked over and used.
   void beginPath(fz_matrix matrix) noexcept;
   void moveTo(float x, float y) noexcept;
@@ -91,8 +87,9 @@ class SceneBuilder {
 
   void addFill(bool evenOdd, Colour colour) noexcept;
   void addStroke(const Pen& pen, Colour colour) noexcept;
-  // A leaf that only the engine can draw.
-  void addForeign(Box bounds) noexcept;
+  // Its colours, three bytes each, are those at equal distances.
+  void addShade(const GradientShape& shape, const uint8_t* colours, int count, Box bounds,
+                float alpha) noexcept;
 
   // Texts: begun, filled glyph by glyph and used. Glyphs are made when they are not known.
   void beginText(fz_font* font, fz_matrix matrix, bool vertical, bool drawn) noexcept;
@@ -111,25 +108,24 @@ class SceneBuilder {
   bool knowsPicture(const PictureKey& key) const noexcept;
   void storePicture(const PictureKey& key, qzsvggen::ImageFormat format, const uint8_t* data,
                     size_t size) noexcept;
-  void addPicture(const PictureKey& key, Box bounds, bool stretched) noexcept;
+  // `pixels` is what it measures across and down. Large ones may be smoothed or not.
+  void addPicture(const PictureKey& key, Matrix matrix, Point pixels, bool smooth,
+                  float alpha) noexcept;
+  // One that only the engine could draw.
+  void addBitmap(const uint8_t* png, size_t size, Matrix matrix) noexcept;
+  int bitmaps() const noexcept { return bitmaps_; }
 
   void openClip(bool evenOdd) noexcept;
   void openGroup(const char* blendMode, float alpha) noexcept;
-  // `bounds` hold what is drawn there beside the children.
-  void openForeign(Box bounds = {}) noexcept;
-  // What it encloses shows where the image lets it.
-  void openMask(fz_image* image, fz_matrix matrix) noexcept;
-  // The image that masks what is drawn now and has masked nothing yet, or null.
-  fz_image* pendingMask(fz_matrix& matrix) const noexcept;
+  void openTile(const Tile& tile, Box bounds) noexcept;
+  // A tile is drawn where it lies first, which need not be on the page.
+  bool isInTile() const noexcept;
+  // What is drawn next is a mask, up to beginMasked(); what is drawn then shows through it.
+  void openMask(bool luminous, Colour backdrop) noexcept;
+  void beginMasked() noexcept { close(); }
   void close() noexcept;
 
  private:
-  struct Open {
-    Node node;
-    fz_image* mask = nullptr;
-    fz_matrix maskMatrix = {};
-  };
-
   // Runs C++ below MuPDF: nothing is thrown into it.
   template <class Body>
   void keep(const Body& body) noexcept {
@@ -146,13 +142,12 @@ class SceneBuilder {
   void addPoint(Point p, uint8_t type);
   Node leaf(Kind kind) const;
   void add(Node node);
-  void open(Kind kind, Node node, fz_image* mask = nullptr, fz_matrix matrix = {});
 
   GlyphCache& glyphs_;
   PictureCache& pictures_;
   std::exception_ptr failure_;
-  std::vector<Open> open_;
-  uint32_t calls_ = 0;
+  std::vector<Node> open_;
+  int bitmaps_ = 0;
   int field_ = -1;
 
   fz_matrix m_ = {};

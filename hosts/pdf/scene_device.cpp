@@ -8,13 +8,12 @@ namespace {
 struct SceneDevice {
   fz_device base;
   SceneBuilder* builder;
+  fz_rect page;
+  int resolution;
 };
 
-// The builder behind a device, which has got one more call.
-SceneBuilder& called(fz_device* device) {
-  SceneBuilder& builder = *reinterpret_cast<SceneDevice*>(device)->builder;
-  builder.count();
-  return builder;
+SceneBuilder& builderOf(fz_device* device) {
+  return *reinterpret_cast<SceneDevice*>(device)->builder;
 }
 
 SceneBuilder& walked(void* builder) { return *static_cast<SceneBuilder*>(builder); }
@@ -36,10 +35,6 @@ void walk(fz_context* context, SceneBuilder& builder, const fz_path* path, fz_ma
   fz_walk_path(context, path, &walker, &builder);
 }
 
-uint8_t toByte(float value) {
-  return static_cast<uint8_t>(std::lround(std::clamp(value, 0.0f, 1.0f) * 255));
-}
-
 Colour toColour(fz_context* context, const SceneBuilder& builder, fz_colorspace* space,
                 const float* value, float alpha, fz_color_params params) {
   if (const Colour* colour = builder.type3Colour()) return *colour;
@@ -49,12 +44,17 @@ Colour toColour(fz_context* context, const SceneBuilder& builder, fz_colorspace*
   return {toByte(alpha), toByte(rgb[0]), toByte(rgb[1]), toByte(rgb[2])};
 }
 
+// Of more dashes than there is room for the first ones count.
 Pen toPen(const fz_stroke_state* stroke, fz_matrix m) {
-  // The two axes of the ellipse that a circle becomes.
+  constexpr float maxSkew = 0.1f * unitsPerPoint;
+  // A circle becomes an ellipse: the sum of its axes, and what they differ by.
   const float sum = std::hypot(m.a + m.d, m.b - m.c), difference = std::hypot(m.a - m.d, m.b + m.c);
+  const float larger = (sum + difference) / 2, skew = std::min(sum, difference);
   Pen pen;
-  pen.width = stroke->linewidth * std::sqrt(std::abs(m.a * m.d - m.b * m.c));
-  pen.skew = stroke->linewidth * std::min(sum, difference);
+  pen.circular = stroke->linewidth * skew <= maxSkew || larger - skew < 0.001f * larger;
+  const float scale = pen.circular ? std::sqrt(std::abs(m.a * m.d - m.b * m.c)) : larger;
+  if (!pen.circular) pen.ellipse = {m.a / scale, m.b / scale, m.c / scale, m.d / scale, 0, 0};
+  pen.width = stroke->linewidth * scale;
   pen.cap = stroke->start_cap == FZ_LINECAP_BUTT    ? Cap::kButt
             : stroke->start_cap == FZ_LINECAP_ROUND ? Cap::kRound
                                                     : Cap::kSquare;
@@ -62,14 +62,11 @@ Pen toPen(const fz_stroke_state* stroke, fz_matrix m) {
              : stroke->linejoin == FZ_LINEJOIN_BEVEL ? Join::kBevel
                                                      : Join::kMitre;
   pen.mitreLimit = stroke->miterlimit;
-  const float scale = std::sqrt(std::abs(m.a * m.d - m.b * m.c));
+  const int count = std::min(stroke->dash_len, static_cast<int>(pen.dashes.size()));
   float period = 0;
-  for (int i = 0; i < stroke->dash_len; ++i) {
-    period += std::abs(stroke->dash_list[i]);
-    if (i < static_cast<int>(pen.dashes.size()))
-      pen.dashes[static_cast<size_t>(i)] = std::abs(stroke->dash_list[i]) * scale;
-  }
-  pen.dashCount = period > 0 ? stroke->dash_len : 0;
+  for (int i = 0; i < count; ++i)
+    period += pen.dashes[static_cast<size_t>(i)] = std::abs(stroke->dash_list[i]) * scale;
+  pen.dashCount = period > 0 ? count : 0;
   pen.dashPhase = stroke->dash_phase * scale;
   return pen;
 }
@@ -78,7 +75,7 @@ Pen toPen(const fz_stroke_state* stroke, fz_matrix m) {
 
 void fillPath(fz_context* context, fz_device* device, const fz_path* path, int evenOdd, fz_matrix m,
               fz_colorspace* space, const float* value, float alpha, fz_color_params params) {
-  SceneBuilder& builder = called(device);
+  SceneBuilder& builder = builderOf(device);
   const Colour colour = toColour(context, builder, space, value, alpha, params);
   walk(context, builder, path, m);
   builder.addFill(evenOdd != 0, colour);
@@ -87,7 +84,7 @@ void fillPath(fz_context* context, fz_device* device, const fz_path* path, int e
 void strokePath(fz_context* context, fz_device* device, const fz_path* path,
                 const fz_stroke_state* stroke, fz_matrix m, fz_colorspace* space,
                 const float* value, float alpha, fz_color_params params) {
-  SceneBuilder& builder = called(device);
+  SceneBuilder& builder = builderOf(device);
   const Colour colour = toColour(context, builder, space, value, alpha, params);
   walk(context, builder, path, m);
   builder.addStroke(toPen(stroke, m), colour);
@@ -95,14 +92,20 @@ void strokePath(fz_context* context, fz_device* device, const fz_path* path,
 
 void clipPath(fz_context* context, fz_device* device, const fz_path* path, int evenOdd, fz_matrix m,
               fz_rect) {
-  SceneBuilder& builder = called(device);
+  SceneBuilder& builder = builderOf(device);
   walk(context, builder, path, m);
   builder.openClip(evenOdd != 0);
 }
 
-void clipStrokePath(fz_context*, fz_device* device, const fz_path*, const fz_stroke_state*,
-                    fz_matrix, fz_rect) {
-  called(device).openForeign();
+constexpr Colour white = {255, 255, 255, 255};
+
+void clipStrokePath(fz_context* context, fz_device* device, const fz_path* path,
+                    const fz_stroke_state* stroke, fz_matrix m, fz_rect) {
+  SceneBuilder& builder = builderOf(device);
+  builder.openMask(false, {});
+  walk(context, builder, path, m);
+  builder.addStroke(toPen(stroke, m), white);
+  builder.beginMasked();
 }
 
 // ---- Texts --------------------------------------------------------------------------------------
@@ -164,68 +167,83 @@ void addText(fz_context* context, fz_device* device, const fz_text* text, fz_mat
 
 void fillText(fz_context* context, fz_device* device, const fz_text* text, fz_matrix m,
               fz_colorspace* space, const float* value, float alpha, fz_color_params params) {
-  const SceneBuilder& builder = called(device);
+  const SceneBuilder& builder = builderOf(device);
   addText(context, device, text, m, {}, toColour(context, builder, space, value, alpha, params));
 }
 
 void strokeText(fz_context* context, fz_device* device, const fz_text* text,
                 const fz_stroke_state* stroke, fz_matrix m, fz_colorspace* space,
                 const float* value, float alpha, fz_color_params params) {
-  const SceneBuilder& builder = called(device);
+  const SceneBuilder& builder = builderOf(device);
   addText(context, device, text, m, toPen(stroke, m),
           toColour(context, builder, space, value, alpha, params));
 }
 
 void clipText(fz_context* context, fz_device* device, const fz_text* text, fz_matrix m, fz_rect) {
-  called(device).openForeign();
-  addText(context, device, text, m, {}, {}, false);
+  SceneBuilder& builder = builderOf(device);
+  builder.openMask(false, {});
+  addText(context, device, text, m, {}, white);
+  builder.beginMasked();
 }
 
 void clipStrokeText(fz_context* context, fz_device* device, const fz_text* text,
-                    const fz_stroke_state*, fz_matrix m, fz_rect scissor) {
-  clipText(context, device, text, m, scissor);
+                    const fz_stroke_state* stroke, fz_matrix m, fz_rect) {
+  SceneBuilder& builder = builderOf(device);
+  builder.openMask(false, {});
+  addText(context, device, text, m, toPen(stroke, m), white);
+  builder.beginMasked();
 }
 
 void ignoreText(fz_context* context, fz_device* device, const fz_text* text, fz_matrix m) {
-  called(device);
   addText(context, device, text, m, {}, {}, false);
 }
 
 // ---- Pictures and shades ------------------------------------------------------------------------
 
-void fillShade(fz_context* context, fz_device* device, fz_shade* shade, fz_matrix m, float,
-               fz_color_params) {
-  SceneBuilder& builder = called(device);
-  builder.addForeign(toBox(fz_bound_shade(context, shade, m)));
+void fillShade(fz_context* context, fz_device* device, fz_shade* shade, fz_matrix m, float alpha,
+               fz_color_params params) {
+  const SceneDevice& self = *reinterpret_cast<SceneDevice*>(device);
+  const fz_rect visible =
+      self.builder->isInTile()
+          ? fz_infinite_rect
+          : fz_intersect_rect(self.page, fz_device_current_scissor(context, device));
+  addShade(context, *self.builder, shade, m, alpha, params, visible, self.resolution);
 }
 
 void fillImage(fz_context* context, fz_device* device, fz_image* image, fz_matrix m, float alpha,
                fz_color_params) {
-  addImage(context, called(device), image, m, nullptr, alpha);
+  addImage(context, builderOf(device), image, m, nullptr, alpha);
 }
 
 void fillImageMask(fz_context* context, fz_device* device, fz_image* image, fz_matrix m,
                    fz_colorspace* space, const float* value, float alpha, fz_color_params params) {
-  SceneBuilder& builder = called(device);
+  SceneBuilder& builder = builderOf(device);
   const Colour colour = toColour(context, builder, space, value, alpha, params);
   addImage(context, builder, image, m, &colour, 1);
 }
 
-void clipImageMask(fz_context*, fz_device* device, fz_image* image, fz_matrix m, fz_rect) {
-  called(device).openMask(image, m);
+void clipImageMask(fz_context* context, fz_device* device, fz_image* image, fz_matrix m, fz_rect) {
+  SceneBuilder& builder = builderOf(device);
+  builder.openMask(true, {});
+  addImageMask(context, builder, image, m);
+  builder.beginMasked();
 }
 
 // ---- Containers ---------------------------------------------------------------------------------
 
-void close(fz_context*, fz_device* device) { called(device).close(); }
+void close(fz_context*, fz_device* device) { builderOf(device).close(); }
 
-void beginMask(fz_context*, fz_device* device, fz_rect, int, fz_colorspace*, const float*,
-               fz_color_params) {
-  called(device).openForeign();
+void beginMask(fz_context* context, fz_device* device, fz_rect, int luminosity,
+               fz_colorspace* space, const float* backdrop, fz_color_params params) {
+  SceneBuilder& builder = builderOf(device);
+  Colour colour;
+  if (luminosity != 0 && backdrop != nullptr)
+    colour = toColour(context, builder, space, backdrop, 1, params);
+  builder.openMask(luminosity != 0, colour);
 }
 
 // What follows is masked, up to a call of pop_clip, which closes what the mask has opened.
-void endMask(fz_context*, fz_device* device) { called(device); }
+void endMask(fz_context*, fz_device* device) { builderOf(device).beginMasked(); }
 
 // As CSS names them, in MuPDF's order.
 constexpr const char* blendModes[FZ_BLEND_MODEMASK + 1] = {
@@ -235,21 +253,25 @@ constexpr const char* blendModes[FZ_BLEND_MODEMASK + 1] = {
 
 void beginGroup(fz_context*, fz_device* device, fz_rect, fz_colorspace*, int, int, int blendMode,
                 float alpha) {
-  called(device).openGroup(blendModes[blendMode & FZ_BLEND_MODEMASK], alpha);
+  builderOf(device).openGroup(blendModes[blendMode & FZ_BLEND_MODEMASK], alpha);
 }
 
-int beginTile(fz_context*, fz_device* device, fz_rect area, fz_rect, float, float, fz_matrix m,
-              int) {
-  called(device).openForeign(toBox(fz_transform_rect(area, m)));
+int beginTile(fz_context*, fz_device* device, fz_rect area, fz_rect view, float xStep, float yStep,
+              fz_matrix m, int) {
+  builderOf(device).openTile({toBox(view), {xStep, yStep}, toMatrix(m)},
+                             toBox(fz_transform_rect(area, m)));
   return 0;  // the content is not known from an earlier call
 }
 
 }  // namespace
 
-fz_device* newSceneDevice(fz_context* context, SceneBuilder* builder) {
+fz_device* newSceneDevice(fz_context* context, SceneBuilder* builder, fz_rect page,
+                          int resolution) {
   auto* const device =
       reinterpret_cast<SceneDevice*>(fz_new_device_of_size(context, sizeof(SceneDevice)));
   device->builder = builder;
+  device->page = page;
+  device->resolution = resolution;
   fz_device& base = device->base;
   base.fill_path = fillPath;
   base.stroke_path = strokePath;

@@ -6,24 +6,20 @@
 
 namespace qz::pdf {
 
-// Tells the builder what is drawn. Throws MuPDF's way.
-fz_device* newSceneDevice(fz_context* context, SceneBuilder* builder);
+// Tells the builder what is drawn on a page. Bitmaps of what nothing else says have `resolution`
+// pixels per inch. Throws MuPDF's way.
+fz_device* newSceneDevice(fz_context* context, SceneBuilder* builder, fz_rect page, int resolution);
 
 // An image, painted in a colour when it is a stencil. Throws MuPDF's way.
 void addImage(fz_context* context, SceneBuilder& builder, fz_image* image, fz_matrix matrix,
               const Colour* stencil, float alpha);
 
-// One picture that is drawn from parts of a page.
-struct RenderTarget {
-  const std::vector<Calls>* calls;
-  fz_device* device;  // not owned
-  fz_matrix matrix;   // from units to its pixels
-  size_t next = 0;    // the range that is drawn or waited for
-  bool onPage = false;
-};
+// An image that masks what is drawn after it. Throws MuPDF's way.
+void addImageMask(fz_context* context, SceneBuilder& builder, fz_image* image, fz_matrix matrix);
 
-// Draws those calls onto the targets. Targets `onPage` come first, the others in the order of their
-// calls. Throws MuPDF's way.
-fz_device* newRenderDevice(fz_context* context, std::vector<RenderTarget>* targets);
+// A shade where it is visible, as a bitmap of `resolution` pixels per inch when SVG has no such
+// gradient. Throws MuPDF's way.
+void addShade(fz_context* context, SceneBuilder& builder, fz_shade* shade, fz_matrix matrix,
+              float alpha, fz_color_params params, fz_rect visible, int resolution);
 
 }  // namespace qz::pdf

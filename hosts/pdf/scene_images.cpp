@@ -1,199 +1,205 @@
 // Images as files that a page can hold. MuPDF's calls may jump out of these functions: they own
 // nothing.
+#include "png.h"
 #include "scene_device.h"
 
 namespace qz::pdf {
 namespace {
 
-constexpr float maxSlack = 2;       // units: so much of its bounds a picture may leave empty
-constexpr float maxPixels = 25e6f;  // of one picture
+using Use = PictureKey::Use;
+
+constexpr float maxSamples = 200e6f;  // of an image that is read row by row
+constexpr float maxPixels = 25e6f;  // of one that is read as a whole; of a larger one every second
 
 struct Shown {
   fz_image* image;
-  fz_matrix matrix;
-  fz_image* mask;
-  fz_matrix maskMatrix;
-  const Colour* stencil;
-  float alpha;
-  Box bounds;
-  bool upright;
+  Use use;
+  Colour stencil;
 };
 
-struct Size {
-  int width, height;
-};
-
-float slack(Size pixels, const Box& bounds) {
-  const float scale = std::min(bounds.width() / static_cast<float>(pixels.width),
-                               bounds.height() / static_cast<float>(pixels.height));
-  return std::max(bounds.width() - scale * static_cast<float>(pixels.width),
-                  bounds.height() - scale * static_cast<float>(pixels.height));
-}
-
-// Upright images keep their pixels, others get bounds that are no coarser.
-Size pixelSize(const Shown& shown) {
-  const Box& box = shown.bounds;
-  const fz_image& image = *shown.image;
-  const Size own = {std::max(image.w, shown.mask != nullptr ? shown.mask->w : 0),
-                    std::max(image.h, shown.mask != nullptr ? shown.mask->h : 0)};
-  const fz_matrix& m = shown.matrix;
-  const float across = static_cast<float>(own.width), down = static_cast<float>(own.height);
-  if (shown.upright && across * down <= maxPixels) return own;
-  float scale = std::max(across / std::hypot(m.a, m.b), down / std::hypot(m.c, m.d));
-  scale = std::min(scale, std::sqrt(maxPixels / (box.width() * box.height())));
-  return {std::max(1, static_cast<int>(std::lround(box.width() * scale))),
-          std::max(1, static_cast<int>(std::lround(box.height() * scale)))};
+bool isGrey(fz_context* context, const fz_image* image) {
+  return image->colorspace == nullptr || fz_colorspace_is_gray(context, image->colorspace) != 0;
 }
 
 // A JPEG whose own bytes show what is to be shown, or null.
-fz_buffer* ownBytes(fz_context* context, const Shown& shown) {
-  fz_image* const image = shown.image;
-  fz_compressed_buffer* const file = fz_compressed_image_buffer(context, image);
-  const bool plain = file != nullptr && file->params.type == FZ_IMAGE_JPEG &&
-                     file->params.u.jpeg.color_transform != 0 && shown.mask == nullptr &&
-                     shown.stencil == nullptr && shown.alpha == 1 && image->use_colorkey == 0 &&
+fz_buffer* ownJpeg(fz_context* context, fz_image* image, const fz_compressed_buffer* file) {
+  if (file == nullptr || file->params.type != FZ_IMAGE_JPEG) return nullptr;
+  const bool plain = file->params.u.jpeg.color_transform != 0 && image->use_colorkey == 0 &&
                      image->use_decode == 0 && image->imagemask == 0;
-  if (!plain || !shown.upright) return nullptr;
-  const bool browsersColours = fz_colorspace_is_gray(context, image->colorspace) != 0 ||
-                               fz_colorspace_is_rgb(context, image->colorspace) != 0;
-  return browsersColours ? file->buffer : nullptr;
+  const bool browsersColours =
+      isGrey(context, image) || fz_colorspace_is_rgb(context, image->colorspace) != 0;
+  return plain && browsersColours ? file->buffer : nullptr;
 }
 
-struct Canvas {
-  Size size;
-  bool gray, opaque;
-  fz_matrix toPixels;
-};
-
-bool isSame(fz_matrix a, fz_matrix b) {
-  return std::abs(a.a - b.a) < 0.5f && std::abs(a.b - b.b) < 0.5f && std::abs(a.c - b.c) < 0.5f &&
-         std::abs(a.d - b.d) < 0.5f && std::abs(a.e - b.e) < 0.5f && std::abs(a.f - b.f) < 0.5f;
-}
-
-void drawOn(fz_context* context, fz_device* device, const Shown& shown, const Canvas& canvas) {
-  // Exactly the size of the pixels, where that is meant: otherwise they would be scaled.
-  const fz_matrix m = shown.upright ? fz_scale(static_cast<float>(canvas.size.width),
-                                               static_cast<float>(canvas.size.height))
-                                    : fz_concat(shown.matrix, canvas.toPixels);
-  if (shown.mask != nullptr)
-    fz_clip_image_mask(
-        context, device, shown.mask,
-        isSame(shown.maskMatrix, shown.matrix) ? m : fz_concat(shown.maskMatrix, canvas.toPixels),
-        fz_infinite_rect);
-  if (shown.stencil != nullptr) {
-    const float rgb[3] = {static_cast<float>(shown.stencil->red) / 255,
-                          static_cast<float>(shown.stencil->green) / 255,
-                          static_cast<float>(shown.stencil->blue) / 255};
-    fz_fill_image_mask(context, device, shown.image, m, fz_device_rgb(context), rgb,
-                       static_cast<float>(shown.stencil->alpha) / 255, fz_default_color_params);
-  } else {
-    fz_fill_image(context, device, shown.image, m, shown.alpha, fz_default_color_params);
+// Whether rows of samples can be read one by one.
+bool hasSamples(const fz_compressed_buffer* file) {
+  if (file == nullptr) return false;
+  switch (file->params.type) {
+    case FZ_IMAGE_RAW:
+    case FZ_IMAGE_FAX:
+    case FZ_IMAGE_FLATE:
+    case FZ_IMAGE_JBIG2:
+    case FZ_IMAGE_LZW:
+    case FZ_IMAGE_RLD:
+      return true;
+    default:
+      return false;
   }
-  if (shown.mask != nullptr) fz_pop_clip(context, device);
-  fz_close_device(context, device);
 }
 
-Canvas canvasFor(fz_context* context, const Shown& shown) {
-  const Size size = pixelSize(shown);
-  const bool stencil = shown.stencil != nullptr;
-  return {size, !stencil && fz_colorspace_is_gray(context, shown.image->colorspace) != 0,
-          shown.upright && shown.mask == nullptr && !stencil && shown.alpha == 1,
-          fz_post_scale(fz_translate(-shown.bounds.left, -shown.bounds.top),
-                        static_cast<float>(size.width) / shown.bounds.width(),
-                        static_cast<float>(size.height) / shown.bounds.height())};
+// What a sample of an image of one component looks like.
+Colour colourOf(fz_context* context, const Shown& shown, int sample) {
+  const fz_image& image = *shown.image;
+  const float share = static_cast<float>(sample) / static_cast<float>((1 << image.bpc) - 1);
+  const float value = image.decode[0] + share * (image.decode[1] - image.decode[0]);
+  if (shown.use == Use::kStencil || image.imagemask != 0) {  // 0 is painted, 1 is not
+    Colour colour = shown.stencil;
+    colour.alpha = toByte((1 - value) * static_cast<float>(colour.alpha) / 255);
+    return colour;
+  }
+  if (image.colorspace == nullptr) return {255, toByte(value), toByte(value), toByte(value)};
+  const bool indexed = fz_colorspace_is_indexed(context, image.colorspace) != 0;
+  const float input = indexed ? (std::round(value) + 0.25f) / 255 : value;
+  float rgb[3] = {};
+  fz_convert_color(context, image.colorspace, &input, fz_device_rgb(context), rgb, nullptr,
+                   fz_default_color_params);
+  const bool keyed =
+      image.use_colorkey != 0 && sample >= image.colorkey[0] && sample <= image.colorkey[1];
+  return {static_cast<uint8_t>(keyed ? 0 : 255), toByte(rgb[0]), toByte(rgb[1]), toByte(rgb[2])};
 }
 
-// The pixels as they are shown, to be dropped by the caller.
-fz_pixmap* drawPixels(fz_context* context, const Shown& shown, const Canvas& canvas,
-                      fz_colorspace* space) {
+// A PNG of the image's own samples, to be dropped by the caller.
+fz_buffer* fromSamples(fz_context* context, const PngForm& form, fz_compressed_buffer* file) {
+  const auto& flate = file->params.u.flate;
+  const int components = form.colours == PngColours::kRgb ? 3 : 1;
+  if (file->params.type == FZ_IMAGE_FLATE && flate.predictor >= 10 && flate.columns == form.width &&
+      flate.colors == components && flate.bpc == form.bits)
+    return newPngOfData(context, form, file->buffer);
+  fz_stream* const rows = fz_open_image_decomp_stream_from_buffer(context, file, nullptr);
+  fz_buffer* png = nullptr;
+  fz_var(png);
+  fz_try(context) png = newPng(context, form, rows);
+  fz_always(context) fz_drop_stream(context, rows);
+  fz_catch(context) fz_rethrow(context);
+  return png;
+}
+
+// A PNG of samples whose colours are known without the engine, or null.
+fz_buffer* fromPlainSamples(fz_context* context, const Shown& shown, fz_compressed_buffer* file) {
+  const fz_image& image = *shown.image;
+  const bool matted = image.mask != nullptr && image.use_colorkey != 0;
+  const float samples = static_cast<float>(image.w) * static_cast<float>(image.h) * image.n;
+  if (!hasSamples(file) || matted || samples > maxSamples) return nullptr;
+  Colour palette[256];
+  PngForm form = {image.w, image.h, image.bpc, PngColours::kPalette, palette};
+  if (image.n == 1 && (image.bpc == 1 || image.bpc == 2 || image.bpc == 4 || image.bpc == 8)) {
+    bool grey = true;
+    const int count = 1 << image.bpc;
+    for (int i = 0; i < count; ++i) {
+      palette[i] = colourOf(context, shown, i);
+      const uint8_t level = static_cast<uint8_t>(i * 255 / (count - 1));
+      grey = grey && palette[i] == Colour{255, level, level, level};
+    }
+    if (grey) form.colours = PngColours::kGrey;
+    return fromSamples(context, form, file);
+  }
+  form.colours = PngColours::kRgb;
+  const bool plain = image.n == 3 && image.bpc == 8 && image.use_colorkey == 0 &&
+                     image.use_decode == 0 && image.colorspace == fz_device_rgb(context);
+  return plain ? fromSamples(context, form, file) : nullptr;
+}
+
+// The image as the engine reads it, in grey or RGB, to be dropped by the caller.
+fz_pixmap* newPixels(fz_context* context, fz_image* image) {
+  const float w = static_cast<float>(image->w), h = static_cast<float>(image->h);
+  fz_matrix size = fz_scale(w, h);
+  if (w * h > maxPixels) size = fz_post_scale(size, 0.5f, 0.5f);
+  int width = 0, height = 0;
+  fz_pixmap* const own = fz_get_pixmap_from_image(context, image, nullptr, &size, &width, &height);
+  const bool ready =
+      own->colorspace == nullptr || own->n == 1 || own->colorspace == fz_device_rgb(context);
+  if (ready) return own;
   fz_pixmap* pixels = nullptr;
-  fz_device* device = nullptr;
   fz_var(pixels);
-  fz_var(device);
-  fz_try(context) {
-    pixels = fz_new_pixmap(context, space, canvas.size.width, canvas.size.height, nullptr,
-                           canvas.opaque ? 0 : 1);
-    if (canvas.opaque)
-      fz_clear_pixmap_with_value(context, pixels, 255);
-    else
-      fz_clear_pixmap(context, pixels);
-    device = fz_new_draw_device(context, fz_identity, pixels);
-    drawOn(context, device, shown, canvas);
-  }
-  fz_always(context) fz_drop_device(context, device);
-  fz_catch(context) {
-    fz_drop_pixmap(context, pixels);
-    fz_rethrow(context);
-  }
-  return pixels;
-}
-
-// The image's own pixels, to be dropped by the caller.
-fz_pixmap* ownPixels(fz_context* context, fz_image* image, fz_colorspace* space) {
-  fz_pixmap* const own =
-      fz_get_pixmap_from_image(context, image, nullptr, nullptr, nullptr, nullptr);
-  if (fz_pixmap_colorspace(context, own) == space) return own;
-  fz_pixmap* pixels = nullptr;
-  fz_var(pixels);
-  fz_try(context) pixels =
-      fz_convert_pixmap(context, own, space, nullptr, nullptr, fz_default_color_params, 0);
+  fz_try(context) pixels = fz_convert_pixmap(context, own, fz_device_rgb(context), nullptr, nullptr,
+                                             fz_default_color_params, 1);
   fz_always(context) fz_drop_pixmap(context, own);
   fz_catch(context) fz_rethrow(context);
   return pixels;
 }
 
-// A PNG, to be dropped by the caller.
-fz_buffer* redraw(fz_context* context, const Shown& shown, const Canvas& canvas) {
-  fz_colorspace* const space = canvas.gray ? fz_device_gray(context) : fz_device_rgb(context);
-  const bool asIs = canvas.opaque && shown.image->colorspace != nullptr &&
-                    canvas.size.width == shown.image->w && canvas.size.height == shown.image->h;
-  fz_pixmap* const pixels =
-      asIs ? ownPixels(context, shown.image, space) : drawPixels(context, shown, canvas, space);
-  fz_buffer* file = nullptr;
-  fz_var(file);
-  fz_try(context) file = fz_new_buffer_from_pixmap_as_png(context, pixels, fz_default_color_params);
-  fz_always(context) fz_drop_pixmap(context, pixels);
+// A PNG of what the engine reads, to be dropped by the caller.
+fz_buffer* fromPixels(fz_context* context, const Shown& shown) {
+  Colour palette[256];
+  for (int i = 0; i < 256; ++i) {
+    const uint8_t level = static_cast<uint8_t>(i);
+    palette[i] = shown.use == Use::kStencil ? shown.stencil : Colour{255, level, level, level};
+    if (shown.use == Use::kStencil)
+      palette[i].alpha = toByte(static_cast<float>(shown.stencil.alpha * i) / (255 * 255));
+  }
+  fz_pixmap* const pixels = newPixels(context, shown.image);
+  fz_stream* rows = nullptr;
+  fz_buffer* png = nullptr;
+  fz_var(rows);
+  fz_var(png);
+  fz_try(context) {
+    rows = fz_open_memory(context, pixels->samples,
+                          static_cast<size_t>(pixels->stride) * static_cast<size_t>(pixels->h));
+    const PngColours colours = pixels->n == 1   ? PngColours::kPalette
+                               : pixels->n == 3 ? PngColours::kRgb
+                                                : PngColours::kRgba;
+    png = newPng(context, {pixels->w, pixels->h, 8, colours, palette}, rows);
+  }
+  fz_always(context) {
+    fz_drop_stream(context, rows);
+    fz_drop_pixmap(context, pixels);
+  }
   fz_catch(context) fz_rethrow(context);
-  return file;
+  return png;
 }
 
-PictureKey keyOf(const Shown& shown) {
-  PictureKey key;
-  key.image = shown.image;
-  key.mask = shown.mask;
-  if (const Colour* c = shown.stencil)
-    key.colour = static_cast<uint32_t>(c->alpha << 24 | c->red << 16 | c->green << 8 | c->blue);
-  key.a = toUnits(shown.matrix.a), key.b = toUnits(shown.matrix.b);
-  key.c = toUnits(shown.matrix.c), key.d = toUnits(shown.matrix.d);
-  key.alpha = static_cast<uint8_t>(shown.alpha * 255);
-  return key;
+void storeImage(fz_context* context, SceneBuilder& builder, const PictureKey& key,
+                const Shown& shown) {
+  fz_compressed_buffer* const file = fz_compressed_image_buffer(context, shown.image);
+  unsigned char* bytes = nullptr;
+  if (fz_buffer* const jpeg = ownJpeg(context, shown.image, file)) {
+    const size_t size = fz_buffer_storage(context, jpeg, &bytes);
+    return builder.storePicture(key, qzsvggen::ImageFormat::kJpeg, bytes, size);
+  }
+  fz_buffer* png = fromPlainSamples(context, shown, file);
+  if (png == nullptr) png = fromPixels(context, shown);
+  const size_t size = fz_buffer_storage(context, png, &bytes);
+  builder.storePicture(key, qzsvggen::ImageFormat::kPng, bytes, size);
+  fz_drop_buffer(context, png);
+}
+
+void place(fz_context* context, SceneBuilder& builder, const Shown& shown, fz_matrix m,
+           float alpha) {
+  const Box bounds = toBox(fz_transform_rect(fz_unit_rect, m));
+  if (!(bounds.width() >= 0.01f && bounds.height() >= 0.01f && bounds.width() < 1e7f &&
+        bounds.height() < 1e7f))
+    return;
+  const Colour c = shown.stencil;
+  const PictureKey key = {
+      shown.image, shown.use,
+      static_cast<uint32_t>(c.alpha << 24 | c.red << 16 | c.green << 8 | c.blue)};
+  if (!builder.knowsPicture(key)) storeImage(context, builder, key, shown);
+  builder.addPicture(key, toMatrix(m),
+                     {static_cast<float>(shown.image->w), static_cast<float>(shown.image->h)},
+                     shown.image->interpolate != 0, alpha);
 }
 
 }  // namespace
 
 void addImage(fz_context* context, SceneBuilder& builder, fz_image* image, fz_matrix m,
               const Colour* stencil, float alpha) {
-  Shown shown = {image, m, nullptr, {}, stencil, alpha, {}, false};
-  shown.mask = builder.pendingMask(shown.maskMatrix);
-  shown.bounds = toBox(fz_transform_rect(fz_unit_rect, m));
-  shown.upright = std::abs(m.b) < 0.5 && std::abs(m.c) < 0.5 && m.a > 0 && m.d > 0;
-  if (!(shown.bounds.width() >= 0.01f && shown.bounds.height() >= 0.01f &&
-        shown.bounds.width() < 1e7f && shown.bounds.height() < 1e7f))
-    return;
-  const PictureKey key = keyOf(shown);
-  if (!builder.knowsPicture(key)) {
-    unsigned char* bytes = nullptr;
-    if (fz_buffer* const own = ownBytes(context, shown)) {
-      const size_t size = fz_buffer_storage(context, own, &bytes);
-      builder.storePicture(key, qzsvggen::ImageFormat::kJpeg, bytes, size);
-    } else {
-      fz_buffer* const file = redraw(context, shown, canvasFor(context, shown));
-      const size_t size = fz_buffer_storage(context, file, &bytes);
-      builder.storePicture(key, qzsvggen::ImageFormat::kPng, bytes, size);
-      fz_drop_buffer(context, file);
-    }
-  }
-  builder.addPicture(key, shown.bounds, slack(pixelSize(shown), shown.bounds) > maxSlack);
+  const Use use = stencil != nullptr ? Use::kStencil : Use::kShown;
+  place(context, builder, {image, use, stencil != nullptr ? *stencil : Colour{}}, m, alpha);
+}
+
+// White where it lets everything through: a mask counts lightness.
+void addImageMask(fz_context* context, SceneBuilder& builder, fz_image* image, fz_matrix m) {
+  place(context, builder, {image, Use::kMask, {255, 255, 255, 255}}, m, 1);
 }
 
 }  // namespace qz::pdf

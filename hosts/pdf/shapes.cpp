@@ -138,7 +138,7 @@ bool fillRulesAgree(const Path& path) {
 }
 
 bool strokesDirectly(const Path& path, const Pen& pen) {
-  if (pen.dashCount > 0 || pen.skew > tolerance) return false;
+  if (pen.dashCount > 0 || !pen.circular) return false;
   bool directly = true;
   forEachFigure(path, [&](size_t first, size_t end) {
     const bool capped = pen.cap != Cap::kButt && !closes(path, end - 1);

@@ -1,102 +1,24 @@
 #include "svg_picture.h"
 
-#include <cstdio>
 #include <map>
 #include <set>
 
 #include "shapes.h"
+#include "svg_markup.h"
 
 namespace qz::pdf {
 namespace {
 
-constexpr float maxSkew = 0.1f * unitsPerPoint;
+constexpr int maxOverlaps = 8;  // so many tiles before it reach into a tile, in each direction
 
-std::string decimal(float value) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%.5g", static_cast<double>(value));
-  return text;
+std::string opacity(float alpha) {
+  return alpha < 1 ? " opacity=\"" + number(alpha) + '"' : std::string();
 }
 
-std::string number(int32_t value) { return std::to_string(value); }
-
-POINT rounded(Point p) { return toUnits(p); }
-POINT rounded(POINT p) { return p; }
-
-template <class Points>
-std::string pathData(const Points& points, const std::vector<uint8_t>& types) {
-  std::string data;
-  POINT at = {0, 0};
-  const auto add = [&](POINT p) {
-    const int32_t x = p.x - at.x, y = p.y - at.y;
-    if (x >= 0 && data.back() != 'm' && data.back() != 'l' && data.back() != 'c' &&
-        data.back() != 'M')
-      data += ' ';
-    data += number(x);
-    if (y >= 0) data += ' ';
-    data += number(y);
-  };
-  POINT start = at;
-  int last = 0;
-  for (size_t i = 0; i < points.size(); ++i) {
-    const int type = types[i] == PT_MOVETO ? PT_MOVETO : types[i] & ~PT_CLOSEFIGURE;
-    const size_t count = type == PT_BEZIERTO ? 3 : 1;
-    if (type != last || type == PT_MOVETO)
-      data += type == PT_MOVETO ? (i == 0 ? 'M' : 'm') : type == PT_LINETO ? 'l' : 'c';
-    POINT end = at;
-    for (size_t k = 0; k < count && i + k < points.size(); ++k) add(end = rounded(points[i + k]));
-    i += count - 1;
-    at = end;
-    last = type;
-    if (type == PT_MOVETO) start = at;
-    if (type != PT_MOVETO && i < types.size() && (types[i] & PT_CLOSEFIGURE) != 0) {
-      data += 'z';
-      at = start;
-      last = 0;
-    }
-  }
-  return data;
-}
-
-std::string paint(const char* what, Colour c) {
-  char text[80];
-  std::snprintf(text, sizeof text, " %s=\"#%02x%02x%02x\"", what, c.red, c.green, c.blue);
-  std::string result = text;
-  if (c.alpha < 255)
-    result +=
-        ' ' + std::string(what) + "-opacity=\"" + decimal(static_cast<float>(c.alpha) / 255) + '"';
-  return result;
-}
-
-std::string strokeAttributes(const Pen& pen, Colour colour) {
-  std::string text = " fill=\"none\"" + paint("stroke", colour) + " stroke-width=\"" +
-                     (pen.width < 0.5f ? "10" : decimal(pen.width)) + '"';
-  if (pen.cap != Cap::kButt)
-    text += pen.cap == Cap::kRound ? " stroke-linecap=\"round\"" : " stroke-linecap=\"square\"";
-  if (pen.join != Join::kMitre)
-    text += pen.join == Join::kRound ? " stroke-linejoin=\"round\"" : " stroke-linejoin=\"bevel\"";
-  else if (pen.mitreLimit != 4)
-    text += " stroke-miterlimit=\"" + decimal(std::max(1.0f, pen.mitreLimit)) + '"';
-  for (int i = 0; i < pen.dashCount; ++i)
-    text += (i == 0 ? " stroke-dasharray=\"" : " ") + decimal(pen.dashes[static_cast<size_t>(i)]);
-  if (pen.dashCount > 0) text += '"';
-  if (pen.dashCount > 0 && pen.dashPhase != 0)
-    text += " stroke-dashoffset=\"" + decimal(pen.dashPhase) + '"';
-  return text;
-}
-
-std::string base64(const std::string& bytes) {
-  constexpr const char* letters =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  text.reserve(bytes.size() / 3 * 4 + 4);
-  for (size_t i = 0; i < bytes.size(); i += 3) {
-    uint32_t group = 0;
-    for (size_t k = 0; k < 3; ++k)
-      group = group << 8 | (i + k < bytes.size() ? static_cast<uint8_t>(bytes[i + k]) : 0u);
-    for (size_t k = 0; k < 4; ++k)
-      text += i + k <= bytes.size() ? letters[group >> (18 - 6 * k) & 63] : '=';
-  }
-  return text;
+std::string area(const Box& box) {
+  const RECT r = box.rounded();
+  return " x=\"" + number(r.left) + "\" y=\"" + number(r.top) + "\" width=\"" +
+         number(r.right - r.left) + "\" height=\"" + number(r.bottom - r.top) + '"';
 }
 
 class PictureWriter {
@@ -105,12 +27,13 @@ class PictureWriter {
       : outlines_(outlines), prefix_('v' + std::to_string(picture) + '_') {}
 
   void add(const PicturePart& part) {
-    const bool cut = !part.clip.grown(1).holds(part.node->bounds);
-    if (cut) openClip(boxPath(part.clip), false);
-    if (part.alpha < 1) text_ += "<g opacity=\"" + decimal(part.alpha) + "\">";
-    add(*part.node);
-    if (part.alpha < 1) text_ += "</g>";
-    if (cut) text_ += "</g>";
+    const std::string group = opacity(part.alpha);
+    if (!group.empty()) text_ += "<g" + group + '>';
+    if (fills(*part.node))
+      addFilled(*part.node, boxPath(common(part.node->bounds, part.clip)), false);
+    else
+      addCut(*part.node, part.clip);
+    if (!group.empty()) text_ += "</g>";
   }
 
   std::string finish(const RECT& page) const {
@@ -120,17 +43,36 @@ class PictureWriter {
   }
 
  private:
-  static std::string boxPath(const Box& box) {
-    const RECT r = box.rounded();
-    return 'M' + number(r.left) + ' ' + number(r.top) + 'H' + number(r.right) + 'V' +
-           number(r.bottom) + 'H' + number(r.left) + 'z';
+  // What is the same is defined once. Returns its id.
+  const std::string& define(const std::string& element, const std::string& rest) {
+    const auto [place, isNew] = ids_.try_emplace('<' + element + rest);
+    if (isNew) {
+      place->second = prefix_ + std::to_string(ids_.size());
+      defs_ += '<' + element + " id=\"" + place->second + '"' + rest;
+    }
+    return place->second;
+  }
+
+  // What the nodes draw, apart from what has been drawn.
+  template <class Range>
+  std::string drawn(const Range& nodes) {
+    std::string before = std::exchange(text_, {});
+    for (const Node& node : nodes) add(node);
+    return std::exchange(text_, std::move(before));
   }
 
   void openClip(const std::string& path, bool evenOdd) {
-    const std::string id = prefix_ + std::to_string(++ids_);
-    defs_ += "<clipPath id=\"" + id + "\"><path" + (evenOdd ? " clip-rule=\"evenodd\"" : "") +
-             " d=\"" + path + "\"/></clipPath>";
+    const std::string& id =
+        define("clipPath", std::string("><path") + (evenOdd ? " clip-rule=\"evenodd\"" : "") +
+                               " d=\"" + path + "\"/></clipPath>");
     text_ += "<g clip-path=\"url(#" + id + ")\">";
+  }
+
+  void addCut(const Node& node, const Box& clip) {
+    const bool cut = !clip.grown(1).holds(node.bounds);
+    if (cut) openClip(boxPath(clip), false);
+    add(node);
+    if (cut) text_ += "</g>";
   }
 
   void add(const Node& node) {
@@ -142,38 +84,34 @@ class PictureWriter {
         return addText(node);
       case Kind::kPicture:
         return addPicture(node);
-      case Kind::kEngine:
-        return;
-      case Kind::kClip: {
-        const Path& path = std::get<Path>(node.content);
-        const bool cuts = !covers(path, node.bounds);
-        if (cuts) openClip(pathData(path.points, path.types), node.evenOdd);
-        for (const Node& child : node.children) add(child);
-        if (cuts) text_ += "</g>";
-        return;
-      }
-      case Kind::kGroup: {
-        const bool plain = node.alpha >= 1 && node.blendMode == nullptr;
-        if (!plain) {
-          text_ += "<g";
-          if (node.alpha < 1) text_ += " opacity=\"" + decimal(node.alpha) + '"';
-          if (node.blendMode != nullptr)
-            text_ += std::string(" style=\"mix-blend-mode:") + node.blendMode + '"';
-          text_ += '>';
-        }
-        for (const Node& child : node.children) add(child);
-        if (!plain) text_ += "</g>";
-      }
+      case Kind::kShade:
+      case Kind::kTile:
+        return addFilled(node, boxPath(node.bounds), false);
+      case Kind::kClip:
+        return addClip(node);
+      case Kind::kMask:
+        return addMask(node);
+      case Kind::kGroup:
+        return addGroup(node);
     }
   }
 
   void addPath(const Node& node) {
     if (node.colour.alpha == 0) return;
     const Path& path = std::get<Path>(node.content);
+    if (node.kind == Kind::kStroke && !node.pen.circular) return addEllipticStroke(node, path);
     text_ += "<path" + (node.kind == Kind::kStroke ? strokeAttributes(node.pen, node.colour)
-                                                   : paint("fill", node.colour));
+                                                   : paintAttributes("fill", node.colour));
     if (node.kind == Kind::kFill && node.evenOdd) text_ += " fill-rule=\"evenodd\"";
-    text_ += " d=\"" + pathData(path.points, path.types) + "\"/>";
+    text_ += " d=\"" + pathData(path) + "\"/>";
+  }
+
+  // The pen is a circle in other coordinates.
+  void addEllipticStroke(const Node& node, Path path) {
+    const Matrix back = node.pen.ellipse.inverse();
+    for (Point& p : path.points) p = back.map(p);
+    text_ += "<path transform=\"" + matrixText(node.pen.ellipse) + '"' +
+             strokeAttributes(node.pen, node.colour) + " d=\"" + pathData(path) + "\"/>";
   }
 
   void addText(const Node& node) {
@@ -181,14 +119,14 @@ class PictureWriter {
     if (!text.drawn || node.colour.alpha == 0) return;
     text_ += "<g" +
              (node.pen.width > 0 ? strokeAttributes(node.pen, node.colour)
-                                 : paint("fill", node.colour)) +
+                                 : paintAttributes("fill", node.colour)) +
              '>';
     for (const Glyph& glyph : text.glyphs) {
       const Outline& outline = outlines_[glyph.outline];
       if (outline.points.empty()) continue;
       const std::string id = prefix_ + 'g' + std::to_string(glyph.outline);
       if (defined_.insert(glyph.outline).second)
-        defs_ += "<path id=\"" + id + "\" d=\"" + pathData(outline.points, outline.types) + "\"/>";
+        defs_ += "<path id=\"" + id + "\" d=\"" + pathData(outline) + "\"/>";
       const POINT at = toUnits(glyph.origin);
       text_ += "<use href=\"#" + id + "\" x=\"" + number(at.x) + "\" y=\"" + number(at.y) + "\"/>";
     }
@@ -197,37 +135,156 @@ class PictureWriter {
 
   // A picture's bytes are stored once, as a picture of size 1 by 1.
   void addPicture(const Node& node) {
-    const auto& picture = std::get<std::shared_ptr<const Picture>>(node.content);
+    const PlacedPicture& placed = std::get<PlacedPicture>(node.content);
+    const Picture& picture = *placed.picture;
     const auto [place, isNew] =
-        pictures_.emplace(picture.get(), prefix_ + 'i' + std::to_string(pictures_.size()));
+        pictures_.emplace(&picture, prefix_ + 'i' + std::to_string(pictures_.size()));
     if (isNew)
       defs_ += "<image id=\"" + place->second +
                "\" width=\"1\" height=\"1\" preserveAspectRatio=\"none\" href=\"data:image/" +
-               (picture->format == qzsvggen::ImageFormat::kJpeg ? "jpeg" : "png") + ";base64," +
-               base64(picture->bytes) + "\"/>";
-    const RECT r = node.bounds.rounded();
-    text_ += "<use href=\"#" + place->second + "\" transform=\"translate(" + number(r.left) + ' ' +
-             number(r.top) + ") scale(" + number(r.right - r.left) + ' ' +
-             number(r.bottom - r.top) + ")\"/>";
+               (picture.format == qzsvggen::ImageFormat::kJpeg ? "jpeg" : "png") + ";base64," +
+               base64(picture.bytes) + "\"/>";
+    text_ += "<use href=\"#" + place->second + '"' + opacity(node.alpha) +
+             (placed.coarse ? " style=\"image-rendering:pixelated\"" : "") + " transform=\"" +
+             matrixText(placed.matrix) + "\"/>";
+  }
+
+  // ---- Containers
+
+  void addGroup(const Node& node) {
+    std::string attributes = opacity(node.alpha);
+    if (node.blendMode != nullptr)
+      attributes += std::string(" style=\"mix-blend-mode:") + node.blendMode + '"';
+    if (!attributes.empty()) text_ += "<g" + attributes + '>';
+    for (const Node& child : node.children) add(child);
+    if (!attributes.empty()) text_ += "</g>";
+  }
+
+  void addClip(const Node& node) {
+    const Path& path = std::get<Path>(node.content);
+    if (node.children.size() == 1 && fills(node.children.front()))
+      return addFilledClip(node.children.front(), path, node.evenOdd);
+    const bool cuts = !covers(path, node.bounds);
+    if (cuts) openClip(pathData(path), node.evenOdd);
+    for (const Node& child : node.children) add(child);
+    if (cuts) text_ += "</g>";
+  }
+
+  void addMask(const Node& node) {
+    std::string mask = drawn(std::vector{std::cref(node.children.front())});
+    const Colour& backdrop = node.colour;
+    if (node.luminous && (backdrop.red | backdrop.green | backdrop.blue) != 0)
+      mask = "<path" + paintAttributes("fill", backdrop) + " d=\"" + boxPath(node.bounds) + "\"/>" +
+             mask;
+    const std::string& id = define(
+        "mask", " maskUnits=\"userSpaceOnUse\"" + area(node.bounds) +
+                    (node.luminous ? ">" : " style=\"mask-type:alpha\">") + mask + "</mask>");
+    text_ += "<g mask=\"url(#" + id + ")\">";
+    for (size_t i = 1; i < node.children.size(); ++i) add(node.children[i]);
+    text_ += "</g>";
+  }
+
+  // ---- Shades and tiles: they fill what there is
+
+  static bool fills(const Node& node) {
+    return node.kind == Kind::kShade || node.kind == Kind::kTile;
+  }
+
+  void addFilledClip(const Node& node, const Path& path, bool evenOdd) {
+    const std::optional<Box> box = asRectangle(path);
+    if (box)
+      addFilled(node, boxPath(common(*box, node.bounds)), false);
+    else if (node.bounds.grown(1).holds(boundsOf(path.points)))
+      addFilled(node, pathData(path), evenOdd);
+    else
+      openClip(pathData(path), evenOdd), add(node), text_ += "</g>";
+  }
+
+  void addFilled(const Node& node, const std::string& path, bool evenOdd) {
+    const std::string id =
+        node.kind == Kind::kShade
+            ? defineGradient(*std::get<std::shared_ptr<const Gradient>>(node.content))
+            : defineTile(node);
+    if (id.empty()) return;
+    text_ += "<path fill=\"url(#" + id + ")\"" + opacity(node.alpha) +
+             (evenOdd ? " fill-rule=\"evenodd\"" : "") + " d=\"" + path + "\"/>";
+  }
+
+  std::string defineGradient(const Gradient& gradient) {
+    const GradientShape& shape = gradient.shape;
+    const auto attribute = [](const char* name, float value) {
+      return ' ' + std::string(name) + "=\"" + number(value) + '"';
+    };
+    std::string text =
+        " gradientUnits=\"userSpaceOnUse\" gradientTransform=\"" + matrixText(shape.matrix) + '"';
+    if (shape.radial)
+      text += attribute("fx", shape.from.x) + attribute("fy", shape.from.y) +
+              attribute("fr", shape.fromRadius) + attribute("cx", shape.to.x) +
+              attribute("cy", shape.to.y) + attribute("r", shape.toRadius) + '>';
+    else
+      text += attribute("x1", shape.from.x) + attribute("y1", shape.from.y) +
+              attribute("x2", shape.to.x) + attribute("y2", shape.to.y) + '>';
+    for (const Gradient::Stop& stop : gradient.stops) {
+      text += "<stop" + attribute("offset", stop.offset);
+      if (stop.colour.alpha == 0)
+        text += " stop-opacity=\"0\"";
+      else
+        text += paintAttributes("stop-color", stop.colour);
+      text += "/>";
+    }
+    const std::string element = shape.radial ? "radialGradient" : "linearGradient";
+    return define(element, text + "</" + element + '>');
+  }
+
+  // A tile larger than its step reaches into those that follow, so it is drawn for each of them.
+  std::string defineTile(const Node& node) {
+    const Tile& tile = std::get<Tile>(node.content);
+    const float xStep = std::abs(tile.step.x), yStep = std::abs(tile.step.y);
+    if (!(xStep > 0 && yStep > 0) || tile.matrix.determinant() == 0) return {};
+    const auto before = [](float size, float step) {
+      return std::min(maxOverlaps, static_cast<int>(std::ceil(size / step - 0.01f)) - 1);
+    };
+    const int columns = before(tile.view.width(), xStep), rows = before(tile.view.height(), yStep);
+    const std::string content = tileContent(node, tile);
+    std::string copies = content;
+    if (columns > 0 || rows > 0) {
+      const std::string& id = define("g", '>' + content + "</g>");
+      copies.clear();
+      for (int row = -rows; row <= 0; ++row)
+        for (int column = -columns; column <= 0; ++column)
+          copies += "<use href=\"#" + id + "\" x=\"" + number(static_cast<float>(column) * xStep) +
+                    "\" y=\"" + number(static_cast<float>(row) * yStep) + "\"/>";
+    }
+    return define("pattern", " patternUnits=\"userSpaceOnUse\" x=\"" + number(tile.view.left) +
+                                 "\" y=\"" + number(tile.view.top) + "\" width=\"" + number(xStep) +
+                                 "\" height=\"" + number(yStep) + "\" patternTransform=\"" +
+                                 matrixText(tile.matrix) + "\">" + copies + "</pattern>");
+  }
+
+  // In the tile's own coordinates.
+  std::string tileContent(const Node& node, const Tile& tile) {
+    Box content;
+    for (const Node& child : node.children) content.include(child.bounds);
+    std::string text = drawn(node.children);
+    if (!mapped(tile.view, tile.matrix).grown(1).holds(content)) {
+      const std::string& id =
+          define("clipPath", "><rect x=\"" + number(tile.view.left) + "\" y=\"" +
+                                 number(tile.view.top) + "\" width=\"" + number(tile.view.width()) +
+                                 "\" height=\"" + number(tile.view.height()) + "\"/></clipPath>");
+      return "<g clip-path=\"url(#" + id + ")\"><g transform=\"" +
+             matrixText(tile.matrix.inverse()) + "\">" + text + "</g></g>";
+    }
+    return "<g transform=\"" + matrixText(tile.matrix.inverse()) + "\">" + text + "</g>";
   }
 
   const std::vector<Outline>& outlines_;
   std::string prefix_, defs_, text_;
-  std::set<uint32_t> defined_;
+  std::map<std::string, std::string> ids_;  // of definitions
+  std::set<uint32_t> defined_;              // outlines
   std::map<const Picture*, std::string> pictures_;
-  int ids_ = 0;
 };
 
 }  // namespace
-
-bool isPicturable(const Node& node) {
-  if (node.kind == Kind::kEngine) return false;
-  const bool stroked = node.kind == Kind::kStroke || node.kind == Kind::kText;
-  if (stroked &&
-      (node.pen.skew > maxSkew || node.pen.dashCount > static_cast<int>(node.pen.dashes.size())))
-    return false;
-  return std::all_of(node.children.begin(), node.children.end(), isPicturable);
-}
 
 std::string drawSvgPicture(const std::vector<PicturePart>& parts, const RECT& page,
                            const std::vector<Outline>& outlines, size_t number) {

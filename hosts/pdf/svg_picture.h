@@ -1,15 +1,10 @@
 // Parts of a page as an SVG picture, for what no call of the library says: dashes, caps and joins,
-// the even-odd rule, clipping paths, groups and blend modes.
+// the even-odd rule, clipping paths, gradients, masks, tiles, groups and blend modes.
 #pragma once
-
-#include <string>
 
 #include "plan.h"
 
 namespace qz::pdf {
-
-// Whether a picture can say all of a node.
-bool isPicturable(const Node& node);
 
 // The picture, which has the page's rectangle. `number` tells the pictures of a page apart.
 std::string drawSvgPicture(const std::vector<PicturePart>& parts, const RECT& page,

@@ -288,6 +288,116 @@ def effects():
                "q /Pattern cs /P scn 20 20 120 60 re f Q", resources)
 
 
+def function(*colours):
+    """From the first colour to the last, each part as long as the others."""
+    parts = [Dictionary(FunctionType=2, N=1, Domain=Array([0, 1]), C0=Array(a), C1=Array(b))
+             for a, b in zip(colours, colours[1:])]
+    if len(parts) == 1:
+        return parts[0]
+    return Dictionary(FunctionType=3, Domain=Array([0, 1]), Functions=Array(parts),
+                      Bounds=Array([i / len(parts) for i in range(1, len(parts))]),
+                      Encode=Array([0, 1] * len(parts)))
+
+
+def gradients():
+    """Along lines and between circles, with and without colours beyond the ends; in shapes and text."""
+    warm, rainbow = ([1, 0.9, 0], [0.8, 0, 0]), ([1, 0, 0], [0, 1, 0], [0, 0, 1])
+
+    def shading(kind, coords, colours, *extend):
+        return Dictionary(ShadingType=kind, ColorSpace=Name.DeviceRGB, Coords=Array(coords),
+                          Function=function(*colours), Extend=Array(extend or [True, True]))
+
+    def resources(pdf):
+        turned = Dictionary(Type=Name.Pattern, PatternType=2,
+                            Shading=shading(2, [0, 0, 100, 0], rainbow, False, True),
+                            Matrix=Array([0.7, 0.7, -0.7, 0.7, 180, 200]))
+        font = Dictionary(Type=Name.Font, Subtype=Name.Type1, BaseFont=Name("/Helvetica-Bold"))
+        return Dictionary(
+            Font=Dictionary(F=font), Pattern=Dictionary(T=turned),
+            Shading=Dictionary(
+                A=shading(2, [40, 0, 120, 0], rainbow, False, False),
+                B=shading(3, [80, 140, 10, 80, 140, 40], warm, False, False),
+                C=shading(3, [220, 150, 30, 205, 140, 5], warm, True, True),
+                D=shading(2, [20, 0, 280, 0], rainbow)))
+
+    return raw("q 20 210 130 70 re W n /A sh Q "
+               "q /Pattern cs /T scn 225 200 m 285 240 l 225 280 l 165 240 l f Q "
+               "q 20 90 120 100 re W n /B sh Q "
+               "q 160 90 m 280 90 l 280 190 l 200 190 l h W n /C sh Q "
+               "q BT /F 54 Tf 7 Tr 20 30 Td (Rainbow) Tj ET /D sh Q", resources)
+
+
+def masks():
+    """Soft masks of groups, by lightness and by alpha, and of pictures."""
+    def resources(pdf):
+        group = Dictionary(Type=Name.XObject, Subtype=Name.Form, BBox=Array([0, 0, 300, 300]),
+                           Group=Dictionary(S=Name.Transparency, CS=Name.DeviceGray),
+                           Resources=Dictionary(ExtGState=Dictionary(H=Dictionary(ca=0.5))))
+        light = pdf.make_stream(b"0.3 g 20 210 130 70 re f 0.9 g 150 220 130 40 re f", group)
+        alpha = pdf.make_stream(b"20 120 130 70 re f /H gs 150 130 130 40 re f", group)
+        grey = pdf.make_stream(photo("L").tobytes(), Dictionary(
+            Type=Name.XObject, Subtype=Name.Image, Width=60, Height=40, BitsPerComponent=8,
+            ColorSpace=Name.DeviceGray))
+        stencil = pdf.make_stream(bytes([0xF0, 0x0F] * 4), Dictionary(
+            Type=Name.XObject, Subtype=Name.Image, Width=8, Height=8, BitsPerComponent=1,
+            ImageMask=True))
+        def picture(**entries):
+            return pdf.make_stream(jpeg(), Dictionary(
+                Type=Name.XObject, Subtype=Name.Image, Width=60, Height=40, BitsPerComponent=8,
+                ColorSpace=Name.DeviceRGB, Filter=Name.DCTDecode, **entries))
+        return Dictionary(
+            XObject=Dictionary(A=picture(SMask=grey), B=picture(Mask=stencil), C=stencil),
+            ExtGState=Dictionary(
+                L=Dictionary(SMask=Dictionary(S=Name.Luminosity, G=light, BC=Array([0.5]))),
+                M=Dictionary(SMask=Dictionary(S=Name.Alpha, G=alpha))))
+
+    return raw("q /L gs 0 0 1 rg 10 205 280 80 re f Q q /M gs 0.8 0 0 rg 10 115 280 80 re f Q "
+               "q 90 0 0 60 20 30 cm /A Do Q q 60 20 -20 60 150 20 cm /B Do Q "
+               "q 0 0.5 0 rg 60 0 0 60 220 30 cm /C Do Q", resources)
+
+
+def tiles():
+    """Tilings: with gaps, turned, with tiles that reach into their neighbours, and in one colour."""
+    def resources(pdf):
+        def tile(content, step, matrix=(1, 0, 0, 1, 0, 0), size=10, paint=1):
+            return pdf.make_stream(content, Dictionary(
+                Type=Name.Pattern, PatternType=1, PaintType=paint, TilingType=1,
+                BBox=Array([0, 0, size, size]), XStep=step, YStep=step, Resources=Dictionary(),
+                Matrix=Array(matrix)))
+        return Dictionary(
+            ColorSpace=Dictionary(U=Array([Name.Pattern, Name.DeviceRGB])),
+            Pattern=Dictionary(
+                A=tile(b"0 0.6 0 rg 2 2 6 6 re f 1 0 0 rg 6 6 9 9 re f", 12),
+                B=tile(b"0 0 0.8 RG 2 w 0 5 m 10 5 l S", 10, (1, 1, -1, 1, 7, 0)),
+                C=tile(b"0.9 0.5 0 RG 1 1 18 18 re S", 12, size=20),
+                D=tile(b"5 5 m 9 1 l 1 1 l f", 10, paint=2)))
+
+    return raw("q /Pattern cs /A scn 20 170 120 110 re f Q q /Pattern cs /B scn 160 170 120 110 re f Q "
+               "q /Pattern cs /C scn 20 20 m 140 20 l 80 150 l f Q "
+               "q /U cs 0.6 0 0.6 /D scn 160 20 120 60 re f 0 0.5 0.5 /D scn 160 90 120 60 re f Q",
+               resources)
+
+
+def pens():
+    """Strokes whose pen is no circle."""
+    return raw("q 4 0 0 1 0 0 cm 4 w 1 J 20 200 m 40 260 l 60 200 l S Q "
+               "q 1 0 1.5 1 0 0 cm 6 w [10 8] 0 d 30 40 60 100 re S Q")
+
+
+def mesh():
+    """Triangles between colours, behind a clip."""
+    def resources(pdf):
+        def corner(flag, x, y, *colour):
+            return bytes([flag, *x.to_bytes(2, "big"), *y.to_bytes(2, "big"), *colour])
+        data = (corner(0, 0, 0, 255, 0, 0) + corner(0, 65535, 0, 0, 255, 0)
+                + corner(0, 30000, 65535, 0, 0, 255))
+        return Dictionary(Shading=Dictionary(S=pdf.make_stream(data, Dictionary(
+            ShadingType=4, ColorSpace=Name.DeviceRGB, BitsPerCoordinate=16, BitsPerComponent=8,
+            BitsPerFlag=8, Decode=Array([40, 260, 40, 260, 0, 1, 0, 1, 0, 1])))))
+
+    return raw("q 40 40 m 260 40 l 150 200 l W n /S sh Q", resources)
+
+
 def encrypted():
     with pikepdf.open(io.BytesIO(drawn(shapes))) as pdf:
         return saved(pdf, encryption=pikepdf.Encryption(owner="owner", user="open sesame"))
@@ -359,4 +469,5 @@ def handbook():
 FEATURES = {
     "shapes": drawn(shapes), "joins": drawn(joins), "clips": drawn(clips), "text": drawn(text),
     "type3": type3(), "pictures": drawn(pictures), "links": links(), "form": form(),
-    "effects": effects(), "leaflet": drawn(leaflet)}
+    "effects": effects(), "gradients": gradients(), "masks": masks(), "tiles": tiles(),
+    "pens": pens(), "mesh": mesh(), "leaflet": drawn(leaflet)}

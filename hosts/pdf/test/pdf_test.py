@@ -32,7 +32,8 @@ VELUMARK = "{urn:velumark:svg:1}"
 # How far, in grey values, the browser's picture of a page is from the engine's own, when it was
 # looked at and found right.
 DIFFERENCES = {"shapes": 0.35, "joins": 0.15, "clips": 0.02, "text": 0.34, "type3": 0.02,
-               "pictures": 0.30, "links": 0.06, "form": 0.08, "effects": 0.77, "leaflet": 0.41}
+               "pictures": 0.39, "links": 0.06, "form": 0.08, "effects": 0.18, "gradients": 0.47,
+               "masks": 0.34, "tiles": 0.36, "pens": 0.05, "mesh": 0.08, "leaflet": 0.36}
 
 MUTANTS = 1000
 
@@ -79,14 +80,25 @@ class Features(Folder):
                 self.assertLess(abs(found - DIFFERENCES[name]), 1, f"is {found:.2f}")
 
     def test_pictures_say_what_no_call_says(self):
-        for name in ("joins", "clips", "pictures"):
+        for name in ("joins", "clips", "pictures", "effects", "gradients", "masks", "tiles", "pens"):
             with self.subTest(name):
                 page, = self.draw(make_pdfs.FEATURES[name])
-                self.assertEqual(page.count(b'<symbol id="QZ_S'), 1)
+                self.assertEqual(page.count(b'<symbol id="QZ_S'), 1, "neighbours share a picture")
+                if name not in ("pictures", "masks"):
+                    self.assertNotIn(b"image/png", page)
         root, = self.trees(make_pdfs.FEATURES["effects"])
-        styles = [e.get("style") for e in root.iter() if e.get("style")]
+        styles = [e.get("style") for e in root.iter() if "mix" in (e.get("style") or "")]
         self.assertEqual(styles, ["mix-blend-mode:multiply"])
         self.assertTrue(any(e.get("stroke-dasharray") == "240 120" for e in root.iter()))
+
+    def test_only_what_svg_lacks_is_a_bitmap(self):
+        page, = self.draw(make_pdfs.FEATURES["mesh"])
+        self.assertEqual((page.count(b"image/png"), page.count(b"<clipPath")), (1, 1))
+
+    def test_a_gradient_has_few_stops(self):
+        root, = self.trees(make_pdfs.FEATURES["gradients"])
+        stops = [len(e) for e in root.iter() if e.tag.endswith("Gradient")]
+        self.assertEqual(sorted(stops), [2, 3, 4, 4, 5])  # with those where colours end
 
     def test_same_input_same_bytes(self):
         for name, pdf in make_pdfs.FEATURES.items():
@@ -137,6 +149,13 @@ class Features(Folder):
                                     b'"data:image/jpeg;base64,' + encoded), 1)
         self.assertEqual(page.count(encoded), 2)  # the squeezed one is in an SVG picture
         self.assertEqual(page.count(b'href="#QZ_I0"'), 2)
+
+    def test_a_masked_jpeg_keeps_its_bytes(self):
+        root, = self.trees(make_pdfs.FEATURES["masks"])
+        pictures = [e.get("href") for e in root.iter(SVG + "image")]
+        jpeg = "data:image/jpeg;base64," + compare.base64.b64encode(make_pdfs.jpeg()).decode()
+        self.assertEqual(pictures.count(jpeg), 2)  # two images of the PDF with the same bytes
+        self.assertEqual(len(list(root.iter(SVG + "mask"))), 4)
 
     def test_links_and_targets(self):
         first, second = self.trees(make_pdfs.FEATURES["links"], "--text=outlines")
