@@ -63,7 +63,8 @@ if(MINGW AND type STREQUAL "SHARED_LIBRARY")
   install(FILES $<TARGET_FILE:qzsvggen>.debug DESTINATION ${CMAKE_INSTALL_BINDIR}
     COMPONENT development)
   # The compiler's runtimes are inside the DLL. Their packages bring their notices.
-  foreach(package gcc-mingw-w64-base mingw-w64-x86-64-dev)
+  string(REPLACE _ - debian_processor ${CMAKE_SYSTEM_PROCESSOR})
+  foreach(package gcc-mingw-w64-base mingw-w64-${debian_processor}-dev)
     install(FILES /usr/share/doc/${package}/copyright DESTINATION notices RENAME ${package}.txt
       COMPONENT library)
   endforeach()

@@ -1,16 +1,14 @@
-# Toolchain: 64-bit Windows programs from Linux, which run under Wine. The compiler variant with
-# POSIX threads is the one whose standard library has std::thread.
+# Toolchain: Windows programs for CMAKE_SYSTEM_PROCESSOR (x86_64 or i686) from Linux, which run under
+# Wine. The compiler variant with POSIX threads is the one whose standard library has std::thread.
 set(CMAKE_SYSTEM_NAME Windows)
-set(CMAKE_SYSTEM_PROCESSOR x86_64)
-set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
-set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
-set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
+if(NOT CMAKE_SYSTEM_PROCESSOR)
+  set(CMAKE_SYSTEM_PROCESSOR x86_64)
+endif()
+set(machine ${CMAKE_SYSTEM_PROCESSOR}-w64-mingw32)
+set(CMAKE_C_COMPILER ${machine}-gcc-posix)
+set(CMAKE_CXX_COMPILER ${machine}-g++-posix)
+set(CMAKE_RC_COMPILER ${machine}-windres)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
-
-set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
-set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
-set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
+include(${CMAKE_CURRENT_LIST_DIR}/cross.cmake)
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/wine.sh ${CMAKE_BINARY_DIR}/wine)

@@ -9,7 +9,8 @@ if(MINGW)
 
   set(QZSVGGEN_MICROSOFT_LIBRARY ${CMAKE_CURRENT_BINARY_DIR}/qzsvggen.lib)
   find_program(LLVM_DLLTOOL NAMES llvm-dlltool llvm-dlltool-18 llvm-dlltool-14 REQUIRED)
+  set(llvm_machine $<IF:$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>,i386,i386:x86-64>)
   add_custom_command(OUTPUT ${QZSVGGEN_MICROSOFT_LIBRARY} DEPENDS ${QZSVGGEN_DEF} VERBATIM
-    COMMAND ${LLVM_DLLTOOL} -m i386:x86-64 -d ${QZSVGGEN_DEF} -l ${QZSVGGEN_MICROSOFT_LIBRARY})
+    COMMAND ${LLVM_DLLTOOL} -m ${llvm_machine} -d ${QZSVGGEN_DEF} -l ${QZSVGGEN_MICROSOFT_LIBRARY})
   add_custom_target(qzsvggen-lib ALL DEPENDS ${QZSVGGEN_MICROSOFT_LIBRARY})
 endif()

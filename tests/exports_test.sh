@@ -10,7 +10,8 @@ names() {
       ;;
     *.def | *.map) sed -n 's/^  \([A-Za-z0-9_]*\);\?$/\1/p' "$1" ;;
     *.dll) "$OBJDUMP" -p "$1" | sed -n 's/^\t\[ *[0-9]*\] \([^ ]*\)$/\1/p' ;;
-    *.lib | *.a) "$NM" "$1" 2>/dev/null | sed -n 's/.* I __imp_//p' ;;
+    # For 32-bit x86 linkers' names begin with an underscore, those in the DLL do not.
+    *.lib | *.a) "$NM" "$1" 2>/dev/null | sed -n 's/.* I __imp__\?//p' ;;
     *) "$NM" -D --defined-only "$1" | awk '$2 != "A" { sub(/@.*/, "", $3); print $3 }' ;;
   esac | sort
 }

@@ -30,7 +30,8 @@
  *                They are written as they are given, never scaled. Differences that leave the
  *                32-bit range wrap around. Fractions occur only in opacities and in the natural
  *                size of SVG pictures.
- *   Text         UTF-16 code units, not necessarily zero-terminated, with a count of code units.
+ *   Text         UTF-16 code units in the machine's byte order, not necessarily zero-terminated,
+ *                with a count of code units.
  *                Opaque data (form field type data, signature info data) comes with a size in
  *                bytes instead and is read as size / 2 code units. A count or size below 1 gives
  *                empty text, and the pointer is not read. Every host text is escaped:

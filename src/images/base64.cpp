@@ -22,7 +22,7 @@ constexpr std::array<char, 2 * 4096> kPairs = [] {
 }();
 
 char* putPair(char* out, uint64_t bits) {
-  std::memcpy(out, &kPairs[2 * bits], 2);
+  std::memcpy(out, &kPairs[2 * static_cast<size_t>(bits)], 2);
   return out + 2;
 }
 

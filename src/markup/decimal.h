@@ -39,7 +39,8 @@ inline char* writeUnsigned(char* out, uint64_t value) {
   if (value <= kLargestDecimal)
     return writeSmallDecimal(out, static_cast<uint32_t>(value) + kDecimalOrigin);
   out = writeUnsigned(out, value / 10000);
-  std::memcpy(out, kDecimals[value % 10000 + 10000 + kDecimalOrigin].text + 1, 4);
+  const uint32_t lowest = static_cast<uint32_t>(value % 10000);
+  std::memcpy(out, kDecimals[lowest + 10000 + kDecimalOrigin].text + 1, 4);
   return out + 4;
 }
 

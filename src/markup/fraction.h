@@ -1,9 +1,13 @@
 #pragma once
 
+#include <cfloat>
 #include <charconv>
 #include <cstddef>
 
 namespace qz {
+
+// Single precision is rounded after each operation: the last digits depend on it.
+static_assert(FLT_EVAL_METHOD == 0, "for 32-bit x86: -msse2 -mfpmath=sse");
 
 // A fractional number as a piece of markup: fixed notation, six digits behind the point ("%f"),
 // whatever the locale.

@@ -2,6 +2,7 @@
 # usage: test.sh WAY BUILD [EMULATOR...]
 # Builds an example as a host does that takes the library by WAY, and runs it. Installed trees are
 # moved first; packages are unpacked somewhere and must hold the files of WAY.txt, no others.
+# MACHINE is the processor.
 set -euo pipefail
 way=$1 build=$2
 shift 2
@@ -14,7 +15,10 @@ prefix=$work/prefix
 
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }; }
 draw() { "$consumers/../examples/test.sh" "$examples/page.svg" "$@"; }
-compare() { diff "$consumers/$way.txt" <(cd "$1" && find . -type f -o -type l | LC_ALL=C sort); }
+compare() {
+  diff <(sed "s/x86-64/${MACHINE//_/-}/" "$consumers/$way.txt") \
+    <(cd "$1" && find . -type f -o -type l | LC_ALL=C sort)
+}
 
 links() {  # in documents lead to what lies there, too
   local document link
@@ -94,12 +98,12 @@ case $way in
     (cd "$work" && eval "$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")")
     draw cp "$work/page.svg"
     find_package --toolchain "$consumers/../../cmake/mingw-w64.cmake" \
-      -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
+      -DCMAKE_SYSTEM_PROCESSOR="$MACHINE" -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
     draw "$@" "$work/build/consumer.exe"
     ;;
   microsoft)
     install_and_move
-    clang --target=x86_64-pc-windows-msvc -ffreestanding -std=c11 -Wall -Wextra -Werror \
+    clang --target="$MACHINE-pc-windows-msvc" -ffreestanding -std=c11 -Wall -Wextra -Werror \
       -I"$prefix/include" -c "$consumers/microsoft/consumer.c" -o "$work/consumer.obj"
     lld-link /nologo /subsystem:console /entry:start /nodefaultlib "$work/consumer.obj" \
       "$prefix/lib/qzsvggen.lib" /out:"$prefix/bin/consumer.exe"

@@ -5,6 +5,8 @@
 #include <array>
 #include <fstream>
 
+#include "byte_order.h"
+
 namespace qz::tools {
 namespace {
 
@@ -70,7 +72,7 @@ Bytes Files::read(const std::string& name) {
   std::error_code error;  // also of what is no regular file
   std::vector<uint8_t> content;
   if (const auto size = std::filesystem::file_size(directory_ / file, error); !error)
-    content.resize(size);
+    content.resize(static_cast<std::size_t>(size));
   std::ifstream in(directory_ / file, std::ios::binary);
   if (error || !in.read(reinterpret_cast<char*>(content.data()), std::ssize(content)))
     throw RecordingError("cannot read \"" + name + "\"");
@@ -165,5 +167,11 @@ ByteData::ByteData(ArgumentReader& reader) {
   size = reader.count<int32_t>(data.count, data.bytes->size());
   bytes = std::move(data.bytes);
 }
+
+UnitBytes::UnitBytes(ArgumentReader& reader, std::size_t kept) : ByteData(reader) {
+  if (kHighByteFirst) bytes = shared(inOtherOrder(bytes->data(), bytes->size(), kept));
+}
+
+FieldData::FieldData(ArgumentReader& reader) : UnitBytes(reader, reader.isDate() ? 8 : 0) {}
 
 }  // namespace qz::tools

@@ -40,6 +40,9 @@ class ArgumentReader {
   template <class Count>
   Count count(std::optional<int64_t> count, std::size_t size) const;
 
+  // Whether the call is about a form field that is a date.
+  bool isDate() const { return call_[1] == SVG_FIELD_DATE; }
+
   // Code units of the latest text: what advances must match.
   std::size_t textLength = 0;
 

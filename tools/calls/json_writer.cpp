@@ -2,17 +2,16 @@
 
 #include <algorithm>
 
+#include "byte_order.h"
+
 namespace qz::tools {
 namespace {
 
 constexpr char kBase64[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr char kHex[] = "0123456789abcdef";
 
-// The code unit of two bytes at any address.
 char16_t unitAt(const uint8_t* bytes, std::size_t index) {
-  char16_t unit = 0;
-  std::memcpy(&unit, bytes + 2 * index, 2);
-  return unit;
+  return static_cast<char16_t>(bytes[2 * index] | bytes[2 * index + 1] << 8);
 }
 
 bool isHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
@@ -120,9 +119,15 @@ void JsonWriter::base64(const uint8_t* data, std::size_t size) {
   *next_++ = '"';
 }
 
-// `count` is written where it is not what the data has.
-void JsonWriter::data(const void* data, std::size_t size, std::optional<int64_t> count) {
+// Code units behind `kept` bytes; `count` is written where it is not what the data has.
+void JsonWriter::data(const void* data, std::size_t size, std::size_t kept,
+                      std::optional<int64_t> count) {
   const auto* bytes = static_cast<const uint8_t*>(data);
+  std::vector<uint8_t> lowByteFirst;
+  if (kHighByteFirst) {
+    lowByteFirst = inOtherOrder(bytes, size, kept);
+    bytes = lowByteFirst.data();
+  }
   if (!count && size % 2 == 0) {
     const std::size_t start = position();
     if (string(bytes, size / 2)) return;
@@ -139,12 +144,12 @@ void JsonWriter::data(const void* data, std::size_t size, std::optional<int64_t>
 
 void JsonWriter::text(const SVG_Char* units, int64_t count) {
   textLength = static_cast<std::size_t>(std::max<int64_t>(count, 0));
-  data(units, 2 * textLength, count < 0 ? std::optional(count) : std::nullopt);
+  data(units, 2 * textLength, 0, count < 0 ? std::optional(count) : std::nullopt);
 }
 
 void JsonWriter::unitBytes(const void* bytes, int64_t size, int64_t least) {
   const int64_t present = std::max({size, least, int64_t{0}});
-  data(bytes, static_cast<std::size_t>(present),
+  data(bytes, static_cast<std::size_t>(present), static_cast<std::size_t>(least),
        size < present ? std::optional(size) : std::nullopt);
 }
 

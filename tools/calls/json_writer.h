@@ -127,7 +127,7 @@ class JsonWriter {
   void codePoint(char32_t codePoint);
   bool string(const uint8_t* units, std::size_t count);
   void base64(const uint8_t* data, std::size_t size);
-  void data(const void* data, std::size_t size, std::optional<int64_t> count);
+  void data(const void* data, std::size_t size, std::size_t kept, std::optional<int64_t> count);
 };
 
 // Writes into a string, pictures into the lines.

@@ -137,9 +137,15 @@ struct Picture : ByteData {
   }
 };
 
-// Bytes that hold code units. Of a date eight bytes are there whatever the size says.
-struct FieldData : ByteData {
-  using ByteData::ByteData;
+// Bytes that hold code units, those of the machine.
+struct UnitBytes : ByteData {
+  // The first `kept` bytes are a number, low byte first on every machine.
+  UnitBytes(ArgumentReader& reader, std::size_t kept);
+};
+
+// Of a date eight bytes are there whatever the size says.
+struct FieldData : UnitBytes {
+  explicit FieldData(ArgumentReader& reader);
   auto parameters() const { return std::tuple(static_cast<const void*>(bytes->data()), size); }
   static void write(JsonWriter& out, const void* data, int32_t size) {
     out.unitBytes(data, size, out.leastBytes);
@@ -151,8 +157,8 @@ struct FieldData : ByteData {
 };
 
 // Code units with a size in bytes. The heap's alignment lets the bytes be read as code units.
-struct InfoData : ByteData {
-  using ByteData::ByteData;
+struct InfoData : UnitBytes {
+  explicit InfoData(ArgumentReader& reader) : UnitBytes(reader, 0) {}
   auto parameters() const {
     return std::tuple(reinterpret_cast<const SVG_Char*>(bytes->data()), size);
   }

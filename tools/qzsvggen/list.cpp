@@ -19,7 +19,7 @@ constexpr std::size_t kLongest = 160;  // characters of a call or text that are 
 // On one line, and not too long.
 std::string shortened(std::string text) {
   std::replace_if(
-      text.begin(), text.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+      text.begin(), text.end(), [](unsigned char c) { return c < ' '; }, ' ');
   if (text.size() <= kLongest) return text;
   std::size_t end = kLongest;
   while ((text[end] & 0xC0) == 0x80) --end;
