@@ -27,7 +27,7 @@ struct SvgGenerator {
 
   // What outlives the page.
   qz::InversionTrace inversion;
-  // What is recorded; none after the first SVG_Close, which resets the page.
+  // What is recorded; none after a first SVG_Close that succeeded, which resets the page.
   std::optional<qz::Page> page;
   // The finished document, from the first SVG_Close to the second.
   qz::MarkupText document;

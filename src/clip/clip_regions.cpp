@@ -41,7 +41,7 @@ void ClipRegions::exclude(const RECT& rectangle) {
   }
 }
 
-// The first hit decides: of two earlier cuts, none lies within the other.
+// The first hit decides: of two earlier cuts, none lies within the other unless they are equal.
 ClipRegions::Cut ClipRegions::compare(const RECT& cut) const {
   for (const auto& record : std::span(records_).subspan(stretch_.first, stretch_.count)) {
     if (!record.isExcluded()) continue;

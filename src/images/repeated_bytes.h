@@ -10,7 +10,7 @@ namespace qz {
 
 // The bytes of the picture that was last known already, a PNG or JPEG by its bytes, an SVG picture
 // by its content. Comparing with them costs a fraction of hashing or decoding; a picture that is
-// placed once is never copied.
+// new is never copied.
 class RepeatedBytes {
  public:
   bool equal(const uint8_t* bytes, size_t size) const {

@@ -81,7 +81,9 @@ uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture, const RECT& bou
   ContentHash hash;
   hash.add(sizing_);
   const SymbolKey wanted{hash.value(), picture.contentHash};
-  const uint64_t key = wanted.sizingHash ^ uint64_t { wanted.contentHash } << 32;
+  // Mixed with a secret: else pairs could be chosen that share a key.
+  const uint64_t secret = symbolIndex_.secret();
+  const uint64_t key = foldedProduct(wanted.sizingHash ^ secret, wanted.contentHash ^ ~secret);
   const auto known = symbolIndex_.find(key, [&](HashIndex::Number number) {
     return symbolKeys_[number].sizingHash == wanted.sizingHash &&
            symbolKeys_[number].contentHash == wanted.contentHash;

@@ -21,12 +21,11 @@ class RootTagScan {
   SvgRootAttributes run() {
     SvgRootAttributes result;
     Utf16String id;
-    others_ = {' '};
+    result.others.push_back(' ');
     for (position_ = 4; position_ + 1 < tag_.size(); ++position_)
       if (!take("id", id) && !take("viewBox", result.viewBox) && !take("width", result.width) &&
           !take("height", result.height))
-        copy(tag_[position_]);
-    result.others = std::move(others_);
+        copy(tag_[position_], result.others);
     return result;
   }
 
@@ -63,13 +62,13 @@ class RootTagScan {
   }
 
   // White space outside quotes collapses to one space; any quote character opens or closes quotes.
-  void copy(CodeUnit unit) {
+  void copy(CodeUnit unit, Utf16String& out) {
     if (unit == '"' || unit == '\'') inQuotes_ = !inQuotes_;
     const bool isSpace = unit == ' ' || unit == '\t' || unit == '\n' || unit == '\r';
     if (!isSpace || inQuotes_)
-      others_.push_back(unit);
-    else if (others_.back() != ' ')
-      others_.push_back(' ');
+      out.push_back(unit);
+    else if (out.back() != ' ')
+      out.push_back(' ');
   }
 
   const Utf16View tag_;
@@ -78,7 +77,6 @@ class RootTagScan {
   size_t closingQuote_ = Utf16View::npos;
   bool soughtToEnd_ = false;
   bool inQuotes_ = false;
-  Utf16String others_;
 };
 
 // Takes the unit off a length's end: "%", or two characters of which the first is one of c, e, i,

@@ -10,8 +10,7 @@ namespace qz {
 // Host text with the five markup characters as entities. An embedded NUL is a TAB, one in the last
 // counted place is dropped; every other unit is as it was. A count below one gives no text.
 //
-// Text in which nothing needs replacing, which is most, is not copied: the host's text must outlive
-// this object.
+// Most text needs no replacing and is not copied: the host's text must outlive this object.
 class EscapedText {
  public:
   EscapedText(const CodeUnit* text, int64_t count);

@@ -1,5 +1,4 @@
 // What Page writes around its content: the template of the finished document.
-#include <cassert>
 #include <stdexcept>
 
 #include "base/wrapping.h"
@@ -41,22 +40,16 @@ MarkupText Page::writeEnd() const {
 }
 
 MarkupText Page::takeDocument(size_t maxLength) && {
-  assert(blocks_.isOpen() || blocks_.text().empty());
   MarkupText document = writeStart();
   MarkupText middle = writeMiddle();
   MarkupText blockEnd;
   if (blocks_.isOpen()) blocks_.writeEnd(blockEnd);
   MarkupText end = writeEnd();
 
-  MarkupText* const parts[] = {&rasterImages_.symbols(),
-                               &svgImages_.contents(),
-                               &svgImages_.symbols(),
-                               &middle,
-                               &content_.textBeforeBlock(),
-                               &blocks_.text(),
-                               &blockEnd,
-                               &content_.text(),
-                               &end};
+  MarkupText* const parts[] = {&rasterImages_.symbols(), &svgImages_.contents(),
+                               &svgImages_.symbols(),    &middle,
+                               &content_.blockText(),    &blockEnd,
+                               &content_.text(),         &end};
   size_t length = document.size();
   for (const MarkupText* part : parts) length += part->size();
   if (length > maxLength) throw std::length_error("document too long");

@@ -20,7 +20,7 @@ struct PaintedShape {
 
 void Page::draw(const Shape& shape) {
   if (blocks_.isOpen())
-    blocks_.draw(shape);
+    blocks_.draw(content_.blockText(), shape);
   else
     addElement(PaintedShape{shape, paint_});
 }
@@ -68,12 +68,12 @@ void Page::beginBlock() {
 
 void Page::endBlock() {
   if (!blocks_.isOpen()) return;
-  blocks_.end(content_.textBeforeBlock());
+  blocks_.end(content_.blockText());
   content_.endBlock();
 }
 
 void Page::beginCharacter(const POINT* position, uint32_t reference) {
-  if (blocks_.isOpen()) blocks_.beginCharacter(*position, reference);
+  if (blocks_.isOpen()) blocks_.beginCharacter(content_.blockText(), *position, reference);
 }
 
 void Page::openGroup(const Group& group) {

@@ -23,8 +23,8 @@ void PageContent::writeRegionChange(MarkupText& out, RegionNumber region) const 
 }
 
 void PageContent::endBlock() noexcept {
-  textBeforeBlock_.join(text_);
-  text_.swap(textBeforeBlock_);
+  blockText_.join(text_);
+  text_.swap(blockText_);
 }
 
 void PageContent::writeEnd(MarkupText& out) const {

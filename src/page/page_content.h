@@ -35,25 +35,23 @@ class PageContent {
   // Ends the open group, whatever its kind, if there is one.
   void closeGroup();
 
-  // A character block may stay open while other elements already follow it: the content stands in
-  // two texts then, before and after the block's own.
+  // A character block may stay open while other elements already follow it: then the content stands
+  // in two texts, the first of which grows with the block. `text` is the whole content otherwise.
   void beginBlock() noexcept {
-    assert(textBeforeBlock_.empty());
-    textBeforeBlock_.swap(text_);
+    assert(blockText_.empty());
+    blockText_.swap(text_);
   }
-  // The block's text stands at the end of textBeforeBlock() by now.
   void endBlock() noexcept;
-
-  // The content: up to the open block, if there is one, and from there on.
-  MarkupText& textBeforeBlock() { return textBeforeBlock_; }
+  MarkupText& blockText() { return blockText_; }
   MarkupText& text() { return text_; }
+
   // What ends all that is still open.
   void writeEnd(MarkupText& out) const;
 
  private:
   void writeRegionChange(MarkupText& out, RegionNumber region) const;
 
-  MarkupText textBeforeBlock_;
+  MarkupText blockText_;  // up to the end of the open block; empty without one
   MarkupText text_;
   std::string_view groupEnd_;        // the open group's end tag; empty when none is open
   RegionNumber region_ = kNoRegion;  // of the run of elements that is being written

@@ -13,7 +13,7 @@ struct Colour {
   uint8_t red = 0, green = 0, blue = 0, alpha = 0;
 };
 
-// The paint at one moment. Made by each call that changes the paint, never changed afterwards.
+// The paint at one moment. Each call that changes the paint makes another.
 struct PaintRecord {
   Colour fill{0, 0, 0, 255};
   Colour stroke;

@@ -31,7 +31,7 @@ struct OffsetAttribute {
 void CharacterBlockStart::write(MarkupText& out) const { out.append("<g", paint, ">"); }
 
 void CharacterBlocks::begin() noexcept {
-  assert(!open_ && text_.empty());
+  assert(!open_);
   ++blockCount_;
   open_ = true;
   firstGlyphs_.clear();
@@ -42,8 +42,7 @@ void CharacterBlocks::begin() noexcept {
 
 void CharacterBlocks::end(MarkupText& out) {
   assert(open_);
-  text_.appendWhole([this](MarkupText& text) { writeEnd(text); });
-  out.join(text_);
+  out.appendWhole([this](MarkupText& text) { writeEnd(text); });
   open_ = false;
 }
 
@@ -52,10 +51,10 @@ void CharacterBlocks::writeEnd(MarkupText& out) const {
   out.append("</g>");
 }
 
-void CharacterBlocks::beginCharacter(const POINT& position, uint32_t reference) {
+void CharacterBlocks::beginCharacter(MarkupText& out, const POINT& position, uint32_t reference) {
   makeRoom(firstGlyphs_);
   if (bodyWaits_ || partCount_ == 0)
-    text_.appendWhole([this](MarkupText& out) { writeCharacterEnd(out); });
+    out.appendWhole([this](MarkupText& text) { writeCharacterEnd(text); });
   bodyWaits_ = false;
   firstGlyphs_.push_back(kNoGlyph);
   position_ = position;
@@ -75,23 +74,23 @@ void CharacterBlocks::writeCharacterEnd(MarkupText& out) const {
   if (glyph != kNoGlyph) writeUse(out, glyph);
 }
 
-void CharacterBlocks::draw(const Shape& shape) {
+void CharacterBlocks::draw(MarkupText& out, const Shape& shape) {
   if (firstGlyphs_.empty()) return;
   if (bodyWaits_) {  // so it was the first part of several
-    text_.appendWhole([this](MarkupText& out) {
-      out.append(".0\"");
-      out.appendText(body_);
+    out.appendWhole([this](MarkupText& text) {
+      text.append(".0\"");
+      text.appendText(body_);
     });
     glyphs_.makeFirstPart(firstGlyphs_.back());
     bodyWaits_ = false;
   }
-  const GlyphNumber glyph = place(shape);
+  const GlyphNumber glyph = place(out, shape);
   if (partCount_ == 0) firstGlyphs_.back() = glyph;
   ++partCount_;
 }
 
 // Writes an outline, or a use of the one that it equals.
-GlyphNumber CharacterBlocks::place(const Shape& shape) {
+GlyphNumber CharacterBlocks::place(MarkupText& out, const Shape& shape) {
   assert(!bodyWaits_);
   const TypedPoints* const path = shape.typedPoints();
   GlyphNumber known = path == nullptr ? kNoGlyph : glyphs_.findByPoints(*path);
@@ -99,25 +98,24 @@ GlyphNumber CharacterBlocks::place(const Shape& shape) {
     body_.restart();
     const uint64_t textHash = shape.writeHashedBody(body_, {position_, 0}).value();
     known = glyphs_.findByText(textHash);
-    if (known == kNoGlyph) return define(shape.tag(), body_, textHash);
+    if (known == kNoGlyph) return define(out, shape.tag(), textHash);
     if (path != nullptr) glyphs_.rememberPoints(*path, known);
   }
-  writeUse(text_, known);
+  writeUse(out, known);
   return known;
 }
 
 // Writes an outline that is seen for the first time, or only its start, if it is a character's
 // first.
-GlyphNumber CharacterBlocks::define(const TagStart& tag, const MarkupText& body,
-                                    uint64_t textHash) {
+GlyphNumber CharacterBlocks::define(MarkupText& out, const TagStart& tag, uint64_t textHash) {
   const int32_t part = partCount_ == 0 ? Glyph::kOnlyPart : partCount_;
   const Glyph glyph{blockCount_ - 1, character(), part, position_};
   glyphs_.makeRoom();
-  text_.appendWhole([&](MarkupText& out) {
-    out.append(tag, " id=\"", GlyphId{glyph});
+  out.appendWhole([&](MarkupText& text) {
+    text.append(tag, " id=\"", GlyphId{glyph});
     if (partCount_ == 0) return;
-    out.append("\"");
-    out.appendText(body);
+    text.append("\"");
+    text.appendText(body_);
   });
   bodyWaits_ = partCount_ == 0;
   return glyphs_.add(textHash, glyph);

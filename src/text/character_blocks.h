@@ -19,30 +19,28 @@ struct CharacterBlockStart {
   bool usesExtensionNamespace() const { return false; }
 };
 
-// The character blocks of one page. At most one is open, the newest; what follows its start tag
-// stands here until it ends.
+// The character blocks of one page. At most one is open, the newest. Its text, `out`, is the
+// page's: it ends with the block, and only these operations append to it while the block is open.
 class CharacterBlocks {
  public:
   bool isOpen() const { return open_; }
-  // Begins a block. None may be open.
+  // Begins a block, of which the start tag is written. None may be open.
   void begin() noexcept;
-  // Ends the open block: what follows its start tag goes to the end of `out`.
   void end(MarkupText& out);
 
   // Starts a character. One with a `reference`, the index of an earlier one, repeats the first
   // outline of that character, unless it is drawn after all.
   static constexpr uint32_t kNoReference = UINT32_MAX;
-  void beginCharacter(const POINT& position, uint32_t reference);
+  void beginCharacter(MarkupText& out, const POINT& position, uint32_t reference);
   // Adds an outline to the newest character; before the first one it does nothing, reads nothing.
-  void draw(const Shape& shape);
+  void draw(MarkupText& out, const Shape& shape);
 
-  // For the document: what follows the start tag of a block that is still open, and what ends it.
-  MarkupText& text() { return text_; }
+  // What ends the open block.
   void writeEnd(MarkupText& out) const;
 
  private:
-  GlyphNumber place(const Shape& shape);
-  GlyphNumber define(const TagStart& tag, const MarkupText& body, uint64_t textHash);
+  GlyphNumber place(MarkupText& out, const Shape& shape);
+  GlyphNumber define(MarkupText& out, const TagStart& tag, uint64_t textHash);
   void writeUse(MarkupText& out, GlyphNumber glyph) const;
   void writeCharacterEnd(MarkupText& out) const;
   int32_t character() const { return static_cast<int32_t>(firstGlyphs_.size()) - 1; }
@@ -52,14 +50,14 @@ class CharacterBlocks {
 
   // The open block, and the first outline of each of its characters.
   bool open_ = false;
-  MarkupText text_;  // ends within a tag, after the id, while a body waits
   std::vector<GlyphNumber> firstGlyphs_;
   // Its newest character.
   POINT position_{0, 0};
   uint32_t reference_ = kNoReference;
   int32_t partCount_ = 0;
-  // Scratch for an outline's body. That of a character's first outline waits here for the next
-  // call: whether the id in front of it tells the part depends on whether there is a second one.
+  // The body of the outline that is drawn. That of a character's first outline waits here for the
+  // next call, the text ending after its id: whether the id tells the part depends on whether there
+  // is a second one.
   MarkupText body_;
   bool bodyWaits_ = false;
 };
