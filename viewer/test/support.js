@@ -112,6 +112,7 @@ export async function open(page, documents, { head = '', contentPolicy = '', pre
     globalThis.$ = selector => root.querySelector(selector);
     globalThis.$$ = selector => [...root.querySelectorAll(selector)];
     globalThis.entries = () => [...new FormData(document.forms[0])].map(pair => pair.join('=')).join('&');
+    globalThis.shown = texts;
     if (texts) await viewer.show(texts);
   }, documents);
 }

@@ -65,7 +65,7 @@ inBrowsers('19 copying gives lines as seen', async page => {
   const first = draw([
     text('Two ', 100, 100), text('words', 200, 100), ...link(1, 'https://example.org/', text('linked', 400, 100)), text('joi', 600, 100, [9, 22, 9]), text('ned', 640, 100),
     text('Label', 100, 200), ...field(TEXT, 'f', 'drawn', [300, 160, 600, 220], rectangle(300, 160, 600, 220), text('drawn', 310, 200)), text('after', 650, 200),
-    text('אחד', 700, 300), text('שנ', 664, 300), text('שלוש', 400, 300),
+    text('אחד', 700, 300), text('שנ', 664, 300), text('שלוש', 400, 301),
   ]);
   await open(page, [first, draw([text('Next page', 100, 100)])]);
   const copied = await page.evaluate(() => {
