@@ -267,7 +267,7 @@ export function sanitizePictures(root, page) {
     }
     cleanAttributes(element, page);
     sanitize(element, scope);
-    scopes.push(scope);
+    if (picture) scopes.push(scope);
   }
   return scopes;
 }

@@ -107,7 +107,6 @@ export class VelumarkViewer extends HTMLElement {
     this.#root.addEventListener('click', event => this.#follow(event));
     this.#root.addEventListener('keydown', event => this.#press(/** @type {KeyboardEvent} */ (event)));
     this.addEventListener('copy', event => this.#copy(event));
-    this.addEventListener('invalid', () => this.#fields.firstInvalid?.focus());
   }
 
   connectedCallback() {
