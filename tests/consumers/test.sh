@@ -23,8 +23,8 @@ compare() {
 links() {  # in documents lead to what lies there, too
   local document link
   find "$1" -name '*.md' | while read -r document; do
-    grep -oE '\]\([A-Za-z0-9_./-]+' "$document" | cut -c3- | while read -r link; do
-      [[ $link == http* || -e $(dirname "$document")/$link ]] || { echo "$document: $link"; exit 1; }
+    for link in $(grep -oE '\]\([A-Za-z0-9_./-]+[#)]' "$document" | tr -d '](#)'); do
+      [ -e "$(dirname "$document")/$link" ] || { echo "$document: $link"; exit 1; }
     done
   done
 }
