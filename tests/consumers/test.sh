@@ -91,11 +91,12 @@ case $way in
     (cd "$work" && cmake -E tar xf ./*.zip && mv qzsvggen-*/ prefix)
     compare "$prefix"
     links "$prefix"
-    # The guide's lines for MinGW, as they stand.
+    # The guide's lines for MinGW, as they stand but for the machine.
     emulator=("$@")
     wine() { "${emulator[@]}" "$@"; }
     ln -s prefix "$work/qzsvggen"
-    (cd "$work" && eval "$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")")
+    lines=$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")
+    (cd "$work" && eval "${lines/x86_64/"$MACHINE"}")
     draw cp "$work/page.svg"
     find_package --toolchain "$consumers/../../cmake/mingw-w64.cmake" \
       -DCMAKE_SYSTEM_PROCESSOR="$MACHINE" -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
