@@ -5,6 +5,8 @@ set(CPACK_SYSTEM_NAME ${system}-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_PACKAGE_VENDOR "The qzsvggen authors")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE
+  GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 if(NOT CPACK_COMPONENTS_ALL)
   set(CPACK_COMPONENTS_ALL library development)
   if(TARGET qzsvggen-program)
@@ -61,7 +63,7 @@ set(CPACK_DEBIAN_PDF_PACKAGE_NAME qzsvggen-pdf)
 set(CPACK_DEBIAN_PDF_PACKAGE_SECTION text)
 set(CPACK_DEBIAN_PDF_PACKAGE_DEPENDS ${same_major})
 set(CPACK_COMPONENT_PDF_DESCRIPTION
-  "A host that draws any PDF as SVG pages. It is linked with MuPDF and is under the AGPL.")
+  "A host that draws any PDF as SVG pages.\nIt is linked with MuPDF and is under the AGPL.")
 
 # The changelog in Debian's form, for each package.
 find_program(GZIP gzip)

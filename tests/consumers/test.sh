@@ -23,8 +23,8 @@ compare() {
 links() {  # in documents lead to what lies there, too
   local document link
   find "$1" -name '*.md' | while read -r document; do
-    grep -oE '\]\([A-Za-z0-9_./-]+' "$document" | cut -c3- | while read -r link; do
-      [[ $link == http* || -e $(dirname "$document")/$link ]] || { echo "$document: $link"; exit 1; }
+    for link in $(grep -oE '\]\([A-Za-z0-9_./-]+[#)]' "$document" | tr -d '](#)'); do
+      [ -e "$(dirname "$document")/$link" ] || { echo "$document: $link"; exit 1; }
     done
   done
 }
@@ -91,11 +91,12 @@ case $way in
     (cd "$work" && cmake -E tar xf ./*.zip && mv qzsvggen-*/ prefix)
     compare "$prefix"
     links "$prefix"
-    # The guide's lines for MinGW, as they stand.
+    # The guide's lines for MinGW, as they stand but for the machine.
     emulator=("$@")
     wine() { "${emulator[@]}" "$@"; }
     ln -s prefix "$work/qzsvggen"
-    (cd "$work" && eval "$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")")
+    lines=$(sed -n '/^    x86_64-w64-mingw32-gcc/,/^    wine/p' "$guide")
+    (cd "$work" && eval "${lines/x86_64/"$MACHINE"}")
     draw cp "$work/page.svg"
     find_package --toolchain "$consumers/../../cmake/mingw-w64.cmake" \
       -DCMAKE_SYSTEM_PROCESSOR="$MACHINE" -Dqzsvggen_DIR="$prefix/lib/cmake/qzsvggen"
