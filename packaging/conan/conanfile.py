@@ -23,8 +23,8 @@ class Qzsvggen(ConanFile):
 
     def export_sources(self):
         root = f'{self.recipe_folder}/../..'
-        for pattern in ('CMakeLists.txt', 'LICENSE', 'cmake/*', 'docs/*', 'examples/*', 'include/*',
-                        'src/*'):
+        for pattern in ('CMakeLists.txt', 'LICENSE', 'README.md', 'CHANGELOG.md', 'SECURITY.md',
+                        'cmake/*', 'docs/*', 'examples/*', 'include/*', 'src/*'):
             copy(self, pattern, root, self.export_sources_folder)
 
     def validate(self):

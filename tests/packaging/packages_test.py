@@ -80,5 +80,21 @@ class Packages(unittest.TestCase):
                     self.assertTrue(any(pathlib.PurePath(each).match(str(place)) or
                                         each.startswith(f'{place}/') for each in files), place)
 
+    def test_conan(self):
+        """What the recipe exports can be configured."""
+        recipe = (REPOSITORY / 'packaging/conan/conanfile.py').read_text('utf-8')
+        compile(recipe, 'conanfile.py', 'exec')
+        patterns = re.search(r'for pattern in \((.*?)\):', recipe, re.DOTALL).group(1)
+        for pattern in re.findall("'(.*?)'", patterns):
+            source, target = (root / pattern.removesuffix('/*') for root in
+                              (REPOSITORY, self.folder / 'source'))
+            if pattern.endswith('/*'):
+                shutil.copytree(source, target)
+            else:
+                target.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(source, target)
+        subprocess.run(['cmake', '-S', self.folder / 'source', '-B', self.folder / 'build',
+                        '-DQZSVGGEN_DEVELOPER=OFF'], check=True, stdout=subprocess.DEVNULL)
+
 
 unittest.main()

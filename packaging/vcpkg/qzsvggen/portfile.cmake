@@ -7,5 +7,12 @@ vcpkg_cmake_config_fixup(PACKAGE_NAME qzsvggen CONFIG_PATH lib/cmake/qzsvggen)
 vcpkg_fixup_pkgconfig()
 vcpkg_copy_pdbs()
 
-file(REMOVE_RECURSE "${CURRENT_PACKAGES_DIR}/debug/include" "${CURRENT_PACKAGES_DIR}/debug/share")
+# Headers once, and no documents.
+file(REMOVE_RECURSE "${CURRENT_PACKAGES_DIR}/debug/include" "${CURRENT_PACKAGES_DIR}/debug/share"
+  "${CURRENT_PACKAGES_DIR}/share/doc")
+if(VCPKG_TARGET_IS_WINDOWS)
+  foreach(name docs examples notices README.md CHANGELOG.md SECURITY.md LICENSE.txt)
+    file(REMOVE_RECURSE "${CURRENT_PACKAGES_DIR}/${name}" "${CURRENT_PACKAGES_DIR}/debug/${name}")
+  endforeach()
+endif()
 vcpkg_install_copyright(FILE_LIST "${SOURCE_PATH}/LICENSE")
