@@ -62,8 +62,6 @@ class HashIndex {
     ++count_;
   }
 
-  uint64_t secret() const { return secret_; }
-
  private:
   struct Slot {
     uint64_t key = 0;

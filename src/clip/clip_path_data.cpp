@@ -9,6 +9,29 @@
 namespace qz {
 namespace {
 
+// The path data of one closed rectangle of a clip region, as a piece of markup.
+class ClipOutline {
+ public:
+  explicit ClipOutline(const RECT& rectangle)
+      : left_(rectangle.left),
+        top_(rectangle.top),
+        width_(wrappingSubtract(rectangle.right, rectangle.left)),
+        height_(wrappingSubtract(rectangle.bottom, rectangle.top)) {}
+  size_t maxSize() const { return 5 + kMaxCoordinatePairSize + 3 * kMaxDecimalSize<int32_t>; }
+  char* put(char* out) const {
+    // A side without length is a "v0", be it a horizontal one.
+    const char side = width_ == 0 ? 'v' : 'h';
+    out = putAll(out, "M", CoordinatePair(left_, top_));
+    *out++ = side;
+    out = putAll(out, width_, "v", height_);
+    *out++ = side;
+    return putAll(out, wrappingSubtract(0, width_), "z");
+  }
+
+ private:
+  int32_t left_, top_, width_, height_;
+};
+
 bool hasArea(const RECT& rectangle) {
   return wrappingSubtract(rectangle.right, rectangle.left) > 0 &&
          wrappingSubtract(rectangle.bottom, rectangle.top) > 0;

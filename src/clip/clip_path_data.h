@@ -11,8 +11,8 @@ namespace qz {
 //
 // The kept rectangles come first, then each part of them that is cut out once more: filled by the
 // even-odd rule, what is covered twice is a hole. Overlaps of kept rectangles are holes too, which
-// is meant. The text of a region that only grew goes on from that of the one before, as long as that
-// order allows.
+// is meant. The text of a region that only grew goes on from that of the one before, as long as
+// that order allows.
 class ClipPathData {
  public:
   // Starts from nothing, as for regions with another beginning.

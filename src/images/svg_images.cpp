@@ -82,7 +82,7 @@ uint32_t SvgImages::findOrRegisterSymbol(const Picture& picture, const RECT& bou
   hash.add(sizing_);
   const SymbolKey wanted{hash.value(), picture.contentHash};
   // Mixed with a secret: else pairs could be chosen that share a key.
-  const uint64_t secret = symbolIndex_.secret();
+  const uint64_t secret = secretOf(this);
   const uint64_t key = foldedProduct(wanted.sizingHash ^ secret, wanted.contentHash ^ ~secret);
   const auto known = symbolIndex_.find(key, [&](HashIndex::Number number) {
     return symbolKeys_[number].sizingHash == wanted.sizingHash &&

@@ -43,7 +43,7 @@ MarkupText Page::takeDocument(size_t maxLength) && {
   MarkupText document = writeStart();
   MarkupText middle = writeMiddle();
   MarkupText blockEnd;
-  if (blocks_.isOpen()) blocks_.writeEnd(blockEnd);
+  if (content_.isBlockOpen()) blocks_.writeEnd(blockEnd);
   MarkupText end = writeEnd();
 
   MarkupText* const parts[] = {&rasterImages_.symbols(), &svgImages_.contents(),

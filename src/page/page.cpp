@@ -19,14 +19,15 @@ struct PaintedShape {
 }  // namespace
 
 void Page::draw(const Shape& shape) {
-  if (blocks_.isOpen())
+  if (content_.isBlockOpen())
     blocks_.draw(content_.blockText(), shape);
   else
     addElement(PaintedShape{shape, paint_});
 }
 
-// Each element goes through here: it enters the current region, marks it, and declares the
-// extension namespace if it uses it. (Groups go through openGroup(), outlines into the open block.)
+// Each element goes through here: it enters the current region, unless it is in a group, marks it,
+// and declares the extension namespace if it uses it. (Groups go through openGroup(), outlines into
+// the open block.)
 template <class Element>
 void Page::addElement(const Element& element) {
   content_.addElement(clips.current(), [&](MarkupText& out) { element.write(out); });
@@ -67,13 +68,13 @@ void Page::beginBlock() {
 }
 
 void Page::endBlock() {
-  if (!blocks_.isOpen()) return;
-  blocks_.end(content_.blockText());
+  if (!content_.isBlockOpen()) return;
+  content_.blockText().appendWhole([this](MarkupText& out) { blocks_.writeEnd(out); });
   content_.endBlock();
 }
 
 void Page::beginCharacter(const POINT* position, uint32_t reference) {
-  if (blocks_.isOpen()) blocks_.beginCharacter(content_.blockText(), *position, reference);
+  if (content_.isBlockOpen()) blocks_.beginCharacter(content_.blockText(), *position, reference);
 }
 
 void Page::openGroup(const Group& group) {

@@ -42,6 +42,7 @@ class PageContent {
     blockText_.swap(text_);
   }
   void endBlock() noexcept;
+  bool isBlockOpen() const { return !blockText_.empty(); }
   MarkupText& blockText() { return blockText_; }
   MarkupText& text() { return text_; }
 

@@ -67,27 +67,4 @@ class RectangleOutline {
   int32_t left_, top_, width_, height_;
 };
 
-// The path data of one closed rectangle of a clip region, as a piece of markup.
-class ClipOutline {
- public:
-  explicit ClipOutline(const RECT& rectangle)
-      : left_(rectangle.left),
-        top_(rectangle.top),
-        width_(wrappingSubtract(rectangle.right, rectangle.left)),
-        height_(wrappingSubtract(rectangle.bottom, rectangle.top)) {}
-  size_t maxSize() const { return 5 + kMaxCoordinatePairSize + 3 * kMaxDecimalSize<int32_t>; }
-  char* put(char* out) const {
-    // A side without length is a "v0", be it a horizontal one.
-    const char side = width_ == 0 ? 'v' : 'h';
-    out = putAll(out, "M", CoordinatePair(left_, top_));
-    *out++ = side;
-    out = putAll(out, width_, "v", height_);
-    *out++ = side;
-    return putAll(out, wrappingSubtract(0, width_), "z");
-  }
-
- private:
-  int32_t left_, top_, width_, height_;
-};
-
 }  // namespace qz

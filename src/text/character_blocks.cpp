@@ -31,19 +31,11 @@ struct OffsetAttribute {
 void CharacterBlockStart::write(MarkupText& out) const { out.append("<g", paint, ">"); }
 
 void CharacterBlocks::begin() noexcept {
-  assert(!open_);
   ++blockCount_;
-  open_ = true;
   firstGlyphs_.clear();
   reference_ = kNoReference;
   partCount_ = 0;
   bodyWaits_ = false;
-}
-
-void CharacterBlocks::end(MarkupText& out) {
-  assert(open_);
-  out.appendWhole([this](MarkupText& text) { writeEnd(text); });
-  open_ = false;
 }
 
 void CharacterBlocks::writeEnd(MarkupText& out) const {

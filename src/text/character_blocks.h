@@ -23,10 +23,10 @@ struct CharacterBlockStart {
 // page's: it ends with the block, and only these operations append to it while the block is open.
 class CharacterBlocks {
  public:
-  bool isOpen() const { return open_; }
-  // Begins a block, of which the start tag is written. None may be open.
+  // Begins a block, of which the start tag is written; the one before has ended.
   void begin() noexcept;
-  void end(MarkupText& out);
+  // What ends the open block, with its end tag.
+  void writeEnd(MarkupText& out) const;
 
   // Starts a character. One with a `reference`, the index of an earlier one, repeats the first
   // outline of that character, unless it is drawn after all.
@@ -34,9 +34,6 @@ class CharacterBlocks {
   void beginCharacter(MarkupText& out, const POINT& position, uint32_t reference);
   // Adds an outline to the newest character; before the first one it does nothing, reads nothing.
   void draw(MarkupText& out, const Shape& shape);
-
-  // What ends the open block.
-  void writeEnd(MarkupText& out) const;
 
  private:
   GlyphNumber place(MarkupText& out, const Shape& shape);
@@ -48,16 +45,15 @@ class CharacterBlocks {
   GlyphIndex glyphs_;
   int32_t blockCount_ = 0;
 
-  // The open block, and the first outline of each of its characters.
-  bool open_ = false;
+  // Of the open block: the first outline of each character.
   std::vector<GlyphNumber> firstGlyphs_;
   // Its newest character.
   POINT position_{0, 0};
   uint32_t reference_ = kNoReference;
   int32_t partCount_ = 0;
-  // The body of the outline that is drawn. That of a character's first outline waits here for the
-  // next call, the text ending after its id: whether the id tells the part depends on whether there
-  // is a second one.
+  // The body of the outline that is drawn. If it is new, and its character's first one, it waits
+  // here for the next call, the text ending after the id: whether the id tells the part depends on
+  // whether there is a second one.
   MarkupText body_;
   bool bodyWaits_ = false;
 };

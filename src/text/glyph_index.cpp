@@ -47,7 +47,7 @@ class BytesHash {
 }  // namespace
 
 uint64_t GlyphIndex::hashPoints(const TypedPoints& path) const {
-  BytesHash hash(points_.secret(), path.count);
+  BytesHash hash(secretOf(this), path.count);
   hash.add(path.points, pointsSize(path));
   hash.add(path.types, path.count);
   return hash.value();
