@@ -5,7 +5,8 @@ usage: pack.py wheel OUTPUT LIBRARY PLATFORM
        pack.py nupkg OUTPUT RUNTIME=FOLDER...
 
 PLATFORM is the wheel's tag (linux_x86_64, win_amd64, win32), RUNTIME that of .NET (win-x64, win-x86,
-linux-x64), FOLDER an installed library. The same input gives the same bytes.
+linux-x64), FOLDER an installed library. The notices of the runtimes inside a DLL are taken along
+from where it is installed. The same input gives the same bytes.
 """
 import base64
 import hashlib
@@ -43,6 +44,8 @@ def wheel_files(library, platform):
     project = tomllib.loads((PYTHON / 'pyproject.toml').read_text('utf-8'))['project']
     information = f'qzsvggen-{version()}.dist-info'
     yield f'{information}/LICENSE', (REPOSITORY / 'LICENSE').read_bytes()
+    for notice in sorted(pathlib.Path(library).parent.parent.glob('notices/*.txt')):
+        yield f'{information}/notices/{notice.name}', notice.read_bytes()
     yield f'{information}/METADATA', f"""Metadata-Version: 2.1
 Name: {project['name']}
 Version: {version()}

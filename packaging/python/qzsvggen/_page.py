@@ -209,7 +209,7 @@ class Page:
     # Pictures
 
     def draw_image(self, image_format: int, bounds: Rect, data: bytes, quality: int = 100) -> None:
-        self._call('SVG_DrawImage', image_format, bounds, *_data(data), quality)
+        self._call('SVG_DrawImage', image_format, bounds, bytes(data), len(data), quality)
 
     # Clip regions
 
