@@ -8,7 +8,7 @@ const bomb = Array.from({ length: 12 }, (_, i) => `<g id="b${i + 1}">${`<use hre
 /** What strangers try, as the content of a picture. `hack` is called by what gets to run. */
 const hostile = [
   `<script>hack()</script><script href="${evil}"/><script xlink:href="${evil}"></script>`,
-  '<circle r="500" onclick="hack()" onload="hack()" onfocusin="hack()"/><image href="x:" onerror="hack()"/><svg onload="hack()"/>',
+  '<circle r="500" onclick="hacked = true" onload="hack()" onfocusin="hack()"/><image href="x:" onerror="hack()"/><svg onload="hack()"/>',
   `<foreignObject width="500" height="500"><iframe src="${evil}"></iframe><img src="${evil}" onerror="hack()"></foreignObject>`,
   `<style>@import url(${evil});</style><style>@import "${evil}";</style><link rel="stylesheet" href="${evil}"/><?xml-stylesheet href="${evil}"?>`,
   `<style>@font-face{font-family:E;src:url(${evil})} text{font-family:E}</style><text y="50">E</text>`,
@@ -19,7 +19,7 @@ const hostile = [
   `<rect style="background-image:url(${evil});fill:url(${evil}#x);mask-image:image-set('${evil}' 1x)" width="500" height="500"/>`,
   `<rect fill="url(${evil}#x)" filter="u\\72l(${evil}#f)" mask="image-set('${evil}' 1x)" clip-path="src('${evil}')" width="500" height="500"/>`,
   `<use href="${evil}.svg#x"/><use xlink:href="data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg' id='x' onload='hack()'/>#x"/>`,
-  '<a href="javascript:hack()"><circle r="500"/></a><a xlink:href="https://example.org/"><circle r="500"/></a>',
+  '<a href="javascript:hack()"><circle r="500"/></a><a xlink:href="https://example.org/"><circle r="500"/></a><a href="#x"/>',
   '<a id="a"><circle r="500"/><animate attributeName="href" values="javascript:hack()"/><set attributeName="href" to="javascript:hack()"/></a><set href="#a" attributeName="href" to="javascript:hack()"/>',
   '<rect width="9" height="9"><animate onbegin="hack()" attributeName="x" dur="1s"/><set onend="hack()" attributeName="x" dur="1ms"/></rect>',
   `<filter id="f"><feImage href="${evil}"/></filter><rect filter="url(#f)" width="500" height="500"/><pattern href="${evil}#p"/><mpath href="${evil}"/>`,

@@ -35,7 +35,6 @@ export const field = (type, name, data, bounds, ...drawn) =>
   [['BeginFormField', type, 0, 0, bounds, name, data], ...drawn, ['EndFormField']];
 
 const recordings = process.env.QZSVGGEN_RECORDINGS;
-if (!recordings) console.log('QZSVGGEN_RECORDINGS names no folder of real pages: the sample is the only one.');
 
 /** The sample's document and, where the environment names a folder of recordings, those of real pages, by name. */
 export function samples() {
