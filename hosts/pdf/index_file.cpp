@@ -1,5 +1,7 @@
 #include "index_file.h"
 
+#include <strings.h>
+
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -53,12 +55,22 @@ std::string escaped(const std::string& text) {
   return result;
 }
 
+// Whether a browser would take a page for more than the data of a script element.
+bool breaksOut(const std::string& page) {
+  for (size_t at = page.find('<'); at != std::string::npos; at = page.find('<', at + 1))
+    for (const std::string_view tag : {"<!--", "<script", "</script"})
+      if (strncasecmp(&page[at], tag.data(), tag.size()) == 0) return true;
+  return false;
+}
+
 std::string contentOf(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   std::ostringstream content;
   content << file.rdbuf();
+  std::string page = std::move(content).str();
   if (!file.is_open() || file.bad()) throw std::runtime_error(path.string() + " cannot be read");
-  return std::move(content).str();
+  if (breaksOut(page)) throw std::runtime_error(path.string() + " holds a script");
+  return page;
 }
 
 // Packs pages such that a long value of several, as a font, an image or the shape of a letter, is

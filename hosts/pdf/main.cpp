@@ -204,9 +204,9 @@ bool draw(const Options& options) {
       workers->ask(pages, [&](size_t done, size_t failed) { progress.show(done, failed); });
   workers.reset();
   progress.clear();
+  const bool wrong = complain(name, pages, answers);
   if (options.index)
     makeIndex(folder, options.draw.input.filename().string(), tidying.names, answers);
-  const bool wrong = complain(name, pages, answers);
   tell(answers, std::chrono::duration<double>(Clock::now() - started).count());
   return !wrong;
 }

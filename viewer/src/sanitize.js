@@ -69,9 +69,11 @@ export class Scope {
    * @param {string} prefix
    * @param {Map<string, string>} [fonts] of a page: the classes of all pages' fonts. New rules make a
    *   browser look at all pages again, so that fonts which come again must not bring any.
+   * @param {Scope} [page] of a picture
    */
-  constructor(prefix, fonts) {
+  constructor(prefix, fonts, page) {
     this.prefix = prefix;
+    this.page = page;
     this.picture = !fonts;
     this.fontClasses = fonts ?? new Map();
     /** @type {string[]} rules for the shadow root */
@@ -80,8 +82,8 @@ export class Scope {
     this.fonts = [];
     /** @type {Map<string, Font & {name: string}>} what the page's classes mean */
     this.classes = new Map();
-    /** @type {Set<string>} families that a picture brings with it */
-    this.families = new Set();
+    /** @type {Map<string, string>} families that a picture brings with it, for its page as well */
+    this.families = new Map();
     this.styled = false;
   }
 
@@ -97,8 +99,8 @@ export class Scope {
   /** @param {string} value */
   family(value) {
     return value.replace(/"[^"]*"|'[^']*'|[^,"']+/g, each => {
-      const name = unquoted(each);
-      return this.families.has(name) ? `"${this.prefix}${name}"` : each;
+      const own = this.families.get(unquoted(each));
+      return own ? `"${own}"` : each;
     });
   }
 
@@ -151,12 +153,15 @@ export class Scope {
     const source = /url\("(data:[^"\\]*)"\)/.exec(style.getPropertyValue('src'))?.[1];
     if (!source) return;
     const descriptors = { style: style.getPropertyValue('font-style') || 'normal', weight: style.getPropertyValue('font-weight') || 'normal' };
-    this.families.add(family);
-    this.fonts.push({ family: this.prefix + family, source, descriptors });
+    const own = this.prefix + family;
+    for (const scope of [this, this.page]) scope?.families.set(family, own);
+    this.fonts.push({ family: own, source, descriptors });
   }
 
   /** @param {CSSStyleRule} rule */
-  addFontClass({ selectorText, style: { font, fontSize } }) {
+  addFontClass({ selectorText, style }) {
+    style.fontFamily = this.family(style.fontFamily);
+    const { font, fontSize } = style;
     if (!font) return;
     let name = this.fontClasses.get(font);
     if (!name) {
@@ -260,7 +265,7 @@ export function sanitizePictures(root, page) {
   const scopes = [];
   for (const element of [...root.children]) {
     const picture = /^QZ_G\d+$/.test(element.id);
-    const scope = picture ? new Scope(`${page.prefix}${element.id}_`) : page;
+    const scope = picture ? new Scope(`${page.prefix}${element.id}_`, undefined, page) : page;
     if (!picture && !/^QZ_S\d+$/.test(element.id)) {
       element.remove();  // what broke out of a picture
       continue;

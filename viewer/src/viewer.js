@@ -229,8 +229,8 @@ export class VelumarkViewer extends HTMLElement {
     const parsed = parsePage(text);
     const { page } = parsed;
     const scope = new Scope(`p${++pagesMade}_`, this.#fontClasses);
-    sanitize(page, scope);
     const pictures = parsed.pictures ? sanitizePictures(parsed.pictures, scope) : [];
+    sanitize(page, scope);
     if (parsed.pictures) page.querySelector('defs')?.append(...parsed.pictures.children);
     limitReferences(page);
 

@@ -416,34 +416,20 @@ def broken_page():
     return changed(drawn(shapes, clips, text), change)
 
 
-def costly_page(change):
-    """Three pages, the second of which holds what a function of the PDF and its page adds."""
-    return changed(drawn(shapes, clips, text), lambda pdf: change(pdf, pdf.pages[1]))
+def endless_page(content=b"q Q"):
+    """Three pages, the second of which draws this a thousand billion times: forms in forms."""
+    def change(pdf):
+        def form_of(data, **values):
+            return pdf.make_stream(data, Type=Name.XObject, Subtype=Name.Form,
+                                   BBox=Array([0, 0, 300, 300]), **values)
 
-
-def endless_page():
-    """Forms in forms, a thousand billion that draw nothing."""
-    def change(pdf, page):
-        form = pdf.make_stream(b"q Q", Type=Name.XObject, Subtype=Name.Form,
-                               BBox=Array([0, 0, 300, 300]))
+        form = form_of(content)
         for _ in range(12):
-            form = pdf.make_stream(b"/X Do " * 10, Type=Name.XObject, Subtype=Name.Form,
-                                   BBox=Array([0, 0, 300, 300]),
-                                   Resources=Dictionary(XObject=Dictionary(X=form)))
-        page.Resources.XObject = Dictionary(X=form)
-        page.Contents = pdf.make_stream(b"/X Do")
+            form = form_of(b"/X Do " * 10, Resources=Dictionary(XObject=Dictionary(X=form)))
+        pdf.pages[1].Resources.XObject = Dictionary(X=form)
+        pdf.pages[1].Contents = pdf.make_stream(b"/X Do")
 
-    return costly_page(change)
-
-
-def huge_image():
-    def change(pdf, page):
-        page.Resources.XObject = Dictionary(X=pdf.make_stream(
-            bytes(18_000_000), Type=Name.XObject, Subtype=Name.Image, Width=12000, Height=12000,
-            ColorSpace=Name.DeviceGray, BitsPerComponent=1))
-        page.Contents = pdf.make_stream(b"300 0 0 300 0 0 cm /X Do")
-
-    return costly_page(change)
+    return changed(drawn(shapes, clips, text), change)
 
 
 def book():

@@ -238,7 +238,7 @@ class Input(Folder):
         self.assertIn("1 page failed", told)
         self.assertEqual(sorted(p.name for p in out.iterdir()),
                          ["index.html", "page-001.svg", "page-003.svg"])
-        self.assertEqual((out / "index.html").read_text().count('type="image/svg+xml"'), 2)
+        self.assertEqual((out / "index.html").read_text().count('<script type="image'), 2)
 
     def test_pages(self):
         out = self.folder / "out"
@@ -296,7 +296,7 @@ class Processes(Folder):
     def test_a_page_over_a_limit_is_named_and_the_others_are_written(self):
         for pdf, limit, message in [
                 (make_pdfs.endless_page(), "--seconds=1", "takes more than 1 s"),
-                (make_pdfs.huge_image(), "--memory=100", "")]:
+                (make_pdfs.endless_page(b"0 0 1 1 re f"), "--memory=100", "")]:
             with self.subTest(limit):
                 status, told, errors = run(self.file(pdf), self.folder / "out", limit)
                 self.assertEqual(status, 2)
