@@ -13,12 +13,18 @@ import time
 from pathlib import Path
 
 HEADERS = {'nlohmann-json3-dev': 'MIT', 'libutfcpp-dev': 'BSL-1.0', 'libcli11-dev': 'BSD-3-Clause'}
+GCC = {'gcc-mingw-w64-base': 'GPL-3.0-or-later WITH GCC-exception-3.1'}
+WIN64 = GCC | {'mingw-w64-x86-64-dev': 'ZPL-2.1'}
+WIN32 = GCC | {'mingw-w64-i686-dev': 'ZPL-2.1'}
 # What is compiled or linked into the archives whose names contain the word.
 INSIDE = {
     'qzsvggen-tools': HEADERS,
     '-linux-': HEADERS,
-    '-windows-': HEADERS | {'gcc-mingw-w64-base': 'GPL-3.0-or-later WITH GCC-exception-3.1',
-                            'mingw-w64-x86-64-dev': 'ZPL-2.1'},
+    '-windows-x86_64': HEADERS | WIN64,
+    '-windows-i686': HEADERS | WIN32,
+    '-win_amd64': WIN64,
+    '-win32': WIN32,
+    '.nupkg': WIN64 | WIN32,
     'qzsvggen-pdf': {'libmupdf-dev': 'AGPL-3.0-or-later', 'libcli11-dev': 'BSD-3-Clause'},
 }
 
