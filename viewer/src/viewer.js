@@ -327,6 +327,7 @@ export class VelumarkViewer extends HTMLElement {
       page.element.lastElementChild?.insertBefore(mark, next?.input ?? null);
       mark.scrollIntoView({ block: 'start' });
       mark.focus({ preventScroll: true });
+      page.element.style.contentVisibility = '';
       mark.addEventListener('blur', () => mark.remove());
       return true;
     }
