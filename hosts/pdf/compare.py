@@ -69,7 +69,7 @@ def converters(program):
         return lambda pdf, out, pages: run("mutool", "convert", "-F", "svg", "-O", f"text={mode}",
                                            "-o", out / "%d.svg", pdf, f"1-{pages}")
 
-    found = {"qzsvggen-pdf, outlines": ours("outlines"), "qzsvggen-pdf, both": ours("both")}
+    found = {f"qzsvggen-pdf, {mode}": ours(mode) for mode in ("fonts", "both", "outlines")}
     if shutil.which("pdftocairo"):
         found["pdftocairo -svg"] = cairo
     if shutil.which("pdf2svg"):

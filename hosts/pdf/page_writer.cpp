@@ -1,5 +1,6 @@
 #include "page_writer.h"
 
+#include "svg_markup.h"
 #include "svg_picture.h"
 
 namespace qz::pdf {
@@ -18,8 +19,8 @@ uint32_t strokeWidth(const Pen& pen) {
 
 class Writer {
  public:
-  Writer(const Scene& scene, const std::vector<Outline>& outlines)
-      : scene_(scene), outlines_(outlines), page_(scene.page) {
+  Writer(const Scene& scene, const std::vector<Outline>& outlines, const TextFonts& fonts)
+      : scene_(scene), outlines_(outlines), fonts_(fonts), page_(scene.page) {
     linkUsed_.resize(scene.links.size());
     fieldCut_.resize(scene.fields.size());
   }
@@ -42,13 +43,14 @@ class Writer {
         drawSvg(item, plan.pictures[item.picture]);
     }
     finishField(field, lines);
-    endBlock();
+    endText();
     for (int32_t each = 0; each < static_cast<int32_t>(scene_.fields.size()); ++each)
       if (!fieldDone(each)) enter({}, {each, -1}), finishField(each, lines);
     for (const TextLine& line : lines)
       if (line.field < 0) drawLine(line);
     coverEmptyLinks();
     enter({}, {});
+    if (!fonts_.fonts.empty()) addFonts();
   }
 
   std::u16string close() { return page_.close(); }
@@ -67,7 +69,7 @@ class Writer {
   void enter(const std::optional<RECT>& clip, Group group) {
     const bool sameField = group.field >= 0 && group == group_;
     if (group == group_ && (sameField || same(clip, clip_))) return;
-    endBlock();
+    endText();
     if (group_ != Group{}) page_.endLink();
     if (!same(clip, clip_)) select(clip);
     clip_ = clip;
@@ -149,7 +151,7 @@ class Writer {
     Colour colour = node.colour;
     colour.alpha = static_cast<uint8_t>(std::lround(static_cast<float>(colour.alpha) * item.alpha));
     if (node.kind == Kind::kText) return drawText(item, colour);
-    endBlock();
+    endText();
     enter(clipOf(item), groupOf(item));
     if (node.kind == Kind::kPicture) {
       const Picture& picture = *std::get<PlacedPicture>(node.content).picture;
@@ -165,7 +167,7 @@ class Writer {
   }
 
   void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
-    endBlock();
+    endText();
     enter({}, groupOf(item));
     page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
                     drawSvgPicture(parts, scene_.page, outlines_, item.picture));
@@ -242,8 +244,10 @@ class Writer {
     for (const Item& item : plan.items) {
       const Text* text = item.node != nullptr ? std::get_if<Text>(&item.node->content) : nullptr;
       if (text == nullptr || !text->drawn) continue;
-      for (const Glyph& glyph : text->glyphs) {
+      for (size_t i = 0; i < text->glyphs.size(); ++i) {
+        const Glyph& glyph = text->glyphs[i];
         if (known[glyph.outline] || outlines_[glyph.outline].points.empty()) continue;
+        if (fonts_.useOf(*text, i).font != 0) continue;
         known[glyph.outline] = true;
         if (!any) page_.beginCharacterBlock();
         any = true;
@@ -262,22 +266,31 @@ class Writer {
   void drawText(const Item& item, Colour colour) {
     const Text& text = std::get<Text>(item.node->content);
     if (!text.drawn) return;
-    const bool onLinks = item.field < 0 && !scene_.links.empty();
-    for (const Glyph& glyph : text.glyphs) {
-      const Outline& outline = outlines_[glyph.outline];
-      if (outline.points.empty()) continue;
-      Group group{item.field, -1};
-      if (onLinks) group.link = linkAt(scene_.links, outline.bounds.moved(glyph.origin).centre());
-      enter(clipOf(item), group);
-      beginBlock(*item.node, colour);
-      putGlyph(glyph.outline, toUnits(glyph.origin));
+    for (size_t i = 0; i < text.glyphs.size(); ++i) {
+      const Glyph& glyph = text.glyphs[i];
+      const FontUse use = fonts_.useOf(text, i);
+      if (use.font == 0 && outlines_[glyph.outline].points.empty()) continue;
+      enter(clipOf(item), {item.field, item.field < 0 ? linkOf(text, glyph) : -1});
+      if (use.font != 0) {
+        addToRun(text, glyph, use, colour);
+      } else {
+        beginBlock(*item.node, colour);
+        putGlyph(glyph.outline, toUnits(glyph.origin));
+      }
     }
+  }
+
+  int32_t linkOf(const Text& text, const Glyph& glyph) const {
+    const Outline& outline = outlines_[glyph.outline];
+    return linkAt(scene_.links, outline.bounds.empty()
+                                    ? glyph.origin - Point{-outline.advance / 2, text.size / 4}
+                                    : outline.bounds.moved(glyph.origin).centre());
   }
 
   void beginBlock(const Node& node, Colour colour) {
     const uint32_t width = node.pen.width > 0 ? strokeWidth(node.pen) : 0;
     if (blockOpen_ && blockColour_ == colour && blockWidth_ == width) return;
-    endBlock();
+    endText();
     paint(node, colour);
     page_.beginCharacterBlock();
     blockOpen_ = true;
@@ -287,10 +300,68 @@ class Writer {
     blockLength_ = 0;
   }
 
-  void endBlock() {
+  // Ends a block, or draws the run that has been collected.
+  void endText() {
     if (blockOpen_) page_.endCharacterBlock();
     blockOpen_ = false;
+    const bool any = run_.line.text.find_first_not_of(u' ') != std::u16string::npos;
+    if (any) drawRun();
+    run_.line.text.clear();
+    run_.line.positions.clear();
   }
+
+  // ---- Runs in fonts of the page
+
+  void addToRun(const Text& text, const Glyph& glyph, FontUse use, Colour colour) {
+    const POINT at = toUnits(glyph.origin);
+    const int32_t size = std::max(1, toUnits(text.size));
+    const float gap = (glyph.origin.x - run_.end) / text.size;
+    TextLine& line = run_.line;
+    const bool follows =
+        !line.text.empty() && line.origin.y == at.y && gap > backGap && gap < endGap;
+    if (follows && gap > spaceGap && line.text.back() != ' ' && use.character != ' ')
+      append(u' ', toUnits(run_.end));
+    if (!follows || line.size != size || run_.font != use.font || !(run_.colour == colour)) {
+      endText();
+      line.origin = at;
+      line.size = size;
+      run_.font = use.font;
+      run_.colour = colour;
+    }
+    append(use.character, at.x);
+    run_.end = glyph.origin.x + outlines_[glyph.outline].advance;
+  }
+
+  void append(char16_t character, int32_t x) {
+    run_.line.text += character;
+    run_.line.positions.push_back(x);
+  }
+
+  std::string family(size_t font) const {
+    return 'p' + std::to_string(scene_.number) + 'f' + std::to_string(font);
+  }
+
+  void drawRun() {
+    const Colour& c = run_.colour;
+    page_.clearStroke();
+    page_.setFill(c.alpha, c.red, c.green, c.blue);
+    const std::string name = family(run_.font);
+    page_.setFont(std::u16string(name.begin(), name.end()), run_.line.size);
+    drawPlaced(run_.line);
+  }
+
+  // A picture without content whose style holds for the whole page.
+  void addFonts() {
+    std::string style;
+    for (size_t i = 0; i < fonts_.fonts.size(); ++i)
+      style += "@font-face{font-family:" + family(i + 1) + ";src:url(data:font/otf;base64," +
+               base64(makeOpenType(fonts_.fonts[i].glyphs)) + ")}";
+    page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
+                    "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 1 1\"><style>" +
+                        style + "</style></svg>");
+  }
+
+  // ---- Glyphs and lines
 
   // Within a block a reference is cheaper than the outline, and means the same.
   void putGlyph(uint32_t outline, POINT at) {
@@ -313,10 +384,13 @@ class Writer {
                   : line.serif    ? u"serif"
                                   : u"sans-serif",
                   line.size);
-    if (line.positions.empty()) {
+    if (line.positions.empty())
       page_.drawText(line.text, line.origin);
-      return;
-    }
+    else
+      drawPlaced(line);
+  }
+
+  void drawPlaced(const TextLine& line) {
     // Browsers take one position for a surrogate pair: there the run ends.
     POINT origin = line.origin;
     for (size_t first = 0, i = 0; i < line.text.size(); ++i) {
@@ -347,6 +421,7 @@ class Writer {
 
   const Scene& scene_;
   const std::vector<Outline>& outlines_;
+  const TextFonts& fonts_;
   qzsvggen::Page page_;
   std::vector<bool> linkUsed_, fieldCut_;
   std::vector<int32_t> fieldsDone_;
@@ -360,6 +435,14 @@ class Writer {
   uint32_t blockWidth_ = 0, block_ = 0, blockLength_ = 0;
   std::vector<FirstUse> first_;  // of each outline in the open block
 
+  struct Run {
+    TextLine line;
+    uint16_t font = 0;
+    Colour colour;
+    float end = 0;  // x behind its last glyph
+  };
+  Run run_;
+
   std::vector<POINT> points_;
   std::vector<uint8_t> types_;
 };
@@ -367,10 +450,13 @@ class Writer {
 }  // namespace
 
 std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
-                         TextMode mode) {
-  Writer writer(scene, outlines);
-  writer.draw(plan,
-              mode == TextMode::kBoth ? makeTextLines(scene, outlines) : std::vector<TextLine>());
+                         const std::vector<Shape>& shapes, TextMode mode) {
+  TextFonts fonts;
+  if (mode == TextMode::kFonts) fonts = makeTextFonts(plan, outlines, shapes);
+  std::vector<TextLine> lines;
+  if (mode != TextMode::kOutlines) lines = makeTextLines(scene, outlines, fonts);
+  Writer writer(scene, outlines, fonts);
+  writer.draw(plan, lines);
   return writer.close();
 }
 
