@@ -52,7 +52,7 @@ def page_count(pdf):
 def converters(program):
     def ours(mode):
         return lambda pdf, out, pages: run(program, pdf, "-o", out, "--pages", f"1-{pages}",
-                                           f"--text={mode}")
+                                           f"--text={mode}", "--no-index", "--jobs=1")
 
     def cairo(pdf, out, pages):
         for page in range(1, pages + 1):

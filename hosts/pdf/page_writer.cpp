@@ -1,6 +1,6 @@
 #include "page_writer.h"
 
-#include "svg_markup.h"
+#include "shape_calls.h"
 #include "svg_picture.h"
 
 namespace qz::pdf {
@@ -50,7 +50,8 @@ class Writer {
       if (line.field < 0) drawLine(line);
     coverEmptyLinks();
     enter({}, {});
-    if (!fonts_.fonts.empty()) addFonts();
+    if (!fonts_.fonts.empty())
+      page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page, fontPicture(fonts_));
   }
 
   std::u16string close() { return page_.close(); }
@@ -161,9 +162,9 @@ class Writer {
     paint(node, colour);
     const Path& path = std::get<Path>(node.content);
     if (node.kind == Kind::kFill)
-      drawFill(path);
+      drawFill(page_, path);
     else
-      drawStroke(path);
+      drawStroke(page_, path);
   }
 
   void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
@@ -180,56 +181,6 @@ class Writer {
     } else {
       page_.clearStroke();
       page_.setFill(c.alpha, c.red, c.green, c.blue);
-    }
-  }
-
-  void setPath(const Path& path) {
-    points_.clear();
-    for (const Point p : path.points) points_.push_back(toUnits(p));
-    types_ = path.types;
-  }
-
-  void drawFill(const Path& path) {
-    setPath(path);
-    const size_t count = types_.size();
-    for (size_t i = 0; i < count; ++i)  // a filled figure is closed anyway
-      if (i + 1 == count || types_[i + 1] == PT_MOVETO) types_[i] |= PT_CLOSEFIGURE;
-    if (const std::optional<RECT> box = plainRectangle()) return page_.drawRectangle(*box);
-    page_.drawPath(points_, types_);
-  }
-
-  // A rectangle of the page's directions, at least a unit wide and high so that it is seen.
-  std::optional<RECT> plainRectangle() const {
-    const size_t count = points_.size();
-    if (count != 4 && !(count == 5 && points_[4].x == points_[0].x && points_[4].y == points_[0].y))
-      return std::nullopt;
-    for (size_t i = 1; i < count; ++i)
-      if ((types_[i] & ~PT_CLOSEFIGURE) != PT_LINETO) return std::nullopt;
-    const POINT &a = points_[0], &b = points_[1], &c = points_[2], &d = points_[3];
-    const bool levelFirst = a.y == b.y && b.x == c.x && c.y == d.y && d.x == a.x;
-    const bool uprightFirst = a.x == b.x && b.y == c.y && c.x == d.x && d.y == a.y;
-    if (!levelFirst && !uprightFirst) return std::nullopt;
-    RECT box = {std::min(a.x, c.x), std::min(a.y, c.y), std::max(a.x, c.x), std::max(a.y, c.y)};
-    if (box.right == box.left) ++box.right;
-    if (box.bottom == box.top) ++box.bottom;
-    return box;
-  }
-
-  // A move is written relative to the last move, which readers take from where they are: that is
-  // the same only behind a closed figure. So an open one ends the call.
-  void drawStroke(const Path& path) {
-    setPath(path);
-    const size_t count = types_.size();
-    for (size_t first = 0, i = 0; i < count; ++i) {
-      const bool figureEnds = i + 1 == count || types_[i + 1] == PT_MOVETO;
-      const bool open = (types_[i] & PT_CLOSEFIGURE) == 0;
-      if (i + 1 < count && !(figureEnds && open)) continue;
-      const size_t length = i + 1 - first;
-      if (length == 2 && open)
-        page_.drawLine(points_[first], points_[i]);
-      else
-        page_.drawPath({&points_[first], length}, {&types_[first], length});
-      first = i + 1;
     }
   }
 
@@ -337,28 +288,13 @@ class Writer {
     run_.line.positions.push_back(x);
   }
 
-  std::string family(size_t font) const {
-    return 'p' + std::to_string(scene_.number) + 'f' + std::to_string(font);
-  }
-
   void drawRun() {
     const Colour& c = run_.colour;
     page_.clearStroke();
     page_.setFill(c.alpha, c.red, c.green, c.blue);
-    const std::string name = family(run_.font);
+    const std::string name = fonts_.family(run_.font);
     page_.setFont(std::u16string(name.begin(), name.end()), run_.line.size);
     drawPlaced(run_.line);
-  }
-
-  // A picture without content whose style holds for the whole page.
-  void addFonts() {
-    std::string style;
-    for (size_t i = 0; i < fonts_.fonts.size(); ++i)
-      style += "@font-face{font-family:" + family(i + 1) + ";src:url(data:font/otf;base64," +
-               base64(makeOpenType(fonts_.fonts[i].glyphs)) + ")}";
-    page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
-                    "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 1 1\"><style>" +
-                        style + "</style></svg>");
   }
 
   // ---- Glyphs and lines
@@ -442,9 +378,6 @@ class Writer {
     float end = 0;  // x behind its last glyph
   };
   Run run_;
-
-  std::vector<POINT> points_;
-  std::vector<uint8_t> types_;
 };
 
 }  // namespace
@@ -452,7 +385,7 @@ class Writer {
 std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
                          const std::vector<Shape>& shapes, TextMode mode) {
   TextFonts fonts;
-  if (mode == TextMode::kFonts) fonts = makeTextFonts(plan, outlines, shapes);
+  if (mode == TextMode::kFonts) fonts = makeTextFonts(scene.number, plan, outlines, shapes);
   std::vector<TextLine> lines;
   if (mode != TextMode::kOutlines) lines = makeTextLines(scene, outlines, fonts);
   Writer writer(scene, outlines, fonts);

@@ -1,5 +1,6 @@
 #include "text_fonts.h"
 
+#include "svg_markup.h"
 #include "text_lines.h"
 
 namespace qz::pdf {
@@ -83,15 +84,25 @@ class Chooser {
 
 }  // namespace
 
-TextFonts makeTextFonts(const Plan& plan, const std::vector<Outline>& outlines,
+TextFonts makeTextFonts(int page, const Plan& plan, const std::vector<Outline>& outlines,
                         const std::vector<Shape>& shapes) {
   Chooser chooser(outlines, shapes);
+  chooser.chosen.page = page;
   for (const Item& item : plan.items) {
     const Text* text = item.node != nullptr ? std::get_if<Text>(&item.node->content) : nullptr;
     if (text != nullptr && text->drawn && text->design != 0 && item.node->pen.width <= 0)
       chooser.add(*text);
   }
   return std::move(chooser.chosen);
+}
+
+std::string fontPicture(const TextFonts& fonts) {
+  std::string style;
+  for (size_t i = 0; i < fonts.fonts.size(); ++i)
+    style += "@font-face{font-family:" + fonts.family(i + 1) + ";src:url(data:font/otf;base64," +
+             base64(makeOpenType(fonts.fonts[i].glyphs)) + ")}";
+  return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 1 1\"><style>" + style +
+         "</style></svg>";
 }
 
 }  // namespace qz::pdf

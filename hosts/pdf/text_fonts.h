@@ -20,6 +20,7 @@ struct FontUse {
 };
 
 struct TextFonts {
+  int page = 0;  // tells its families from those of other pages
   std::vector<PageFont> fonts;
   std::unordered_map<const Text*, std::vector<FontUse>> uses;  // of each glyph of a text
 
@@ -27,11 +28,17 @@ struct TextFonts {
     const auto found = uses.find(&text);
     return found == uses.end() ? FontUse() : found->second[glyph];
   }
+  std::string family(size_t font) const {
+    return 'p' + std::to_string(page) + 'f' + std::to_string(font);
+  }
 };
 
 // Texts that run to the right in simple scripts, and are drawn by calls, are set in fonts. `shapes`
 // must outlive the result.
-TextFonts makeTextFonts(const Plan& plan, const std::vector<Outline>& outlines,
+TextFonts makeTextFonts(int page, const Plan& plan, const std::vector<Outline>& outlines,
                         const std::vector<Shape>& shapes);
+
+// An SVG picture without content whose style brings the fonts to the page.
+std::string fontPicture(const TextFonts& fonts);
 
 }  // namespace qz::pdf
