@@ -52,7 +52,7 @@ def page_count(pdf):
 def converters(program):
     def ours(mode):
         return lambda pdf, out, pages: run(program, pdf, "-o", out, "--pages", f"1-{pages}",
-                                           f"--text={mode}")
+                                           f"--text={mode}", "--no-index", "--jobs=1")
 
     def cairo(pdf, out, pages):
         for page in range(1, pages + 1):
@@ -69,7 +69,7 @@ def converters(program):
         return lambda pdf, out, pages: run("mutool", "convert", "-F", "svg", "-O", f"text={mode}",
                                            "-o", out / "%d.svg", pdf, f"1-{pages}")
 
-    found = {"qzsvggen-pdf, outlines": ours("outlines"), "qzsvggen-pdf, both": ours("both")}
+    found = {f"qzsvggen-pdf, {mode}": ours(mode) for mode in ("fonts", "both", "outlines")}
     if shutil.which("pdftocairo"):
         found["pdftocairo -svg"] = cairo
     if shutil.which("pdf2svg"):

@@ -87,6 +87,8 @@ bool Engine::wasRepaired() const {
 
 const std::vector<Outline>& Engine::outlines() const { return state_->glyphs.outlines(); }
 
+const std::vector<Shape>& Engine::shapes() const { return state_->glyphs.shapes(); }
+
 std::vector<Widget> Engine::State::readWidgets(pdf_page* page, fz_matrix matrix, Scene& scene) {
   std::vector<Widget> widgets;
   pdf_annot* widget = nullptr;
@@ -122,6 +124,7 @@ Scene Engine::read(int number, int resolution) {
     throw EngineError("the page has no usable size");
 
   Scene scene;
+  scene.number = number + 1;
   scene.page = toBox(bounds).rounded();
   scene.targets = (*state.targets)[static_cast<size_t>(number)];
   scene.links = readLinks(context, document, page, scene.droppedLinks);

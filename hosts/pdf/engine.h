@@ -34,6 +34,8 @@ class Engine {
 
   // All outlines that the texts of the page read last refer to.
   const std::vector<Outline>& outlines() const;
+  // All shapes that these outlines refer to.
+  const std::vector<Shape>& shapes() const;
 
  private:
   struct State;

@@ -25,8 +25,8 @@ constexpr const char* version =
     "is\n"
     "under the GNU Affero General Public License, version 3; so is this program as a whole.";
 
-const std::map<std::string, TextMode> textModes = {{"outlines", TextMode::kOutlines},
-                                                   {"both", TextMode::kBoth}};
+const std::map<std::string, TextMode> textModes = {
+    {"fonts", TextMode::kFonts}, {"both", TextMode::kBoth}, {"outlines", TextMode::kOutlines}};
 
 struct Options {
   DrawOptions draw;
@@ -221,9 +221,11 @@ int run(int count, char** arguments) {
   app.add_flag("!--no-index", options.index, "write no index.html, which shows all pages");
   app.add_option("--pages", options.pages, "which pages, such as 1-3,7 (all)");
   app.add_option("--text", options.draw.text,
-                 "outlines: text is drawn as shapes; both: it can be found and copied as well")
+                 "fonts: text that is set in the page's letters; both: shapes, with text over them "
+                 "to be found and copied, for readers that know no fonts of a page, such as "
+                 "librsvg; outlines: shapes alone")
       ->transform(CLI::CheckedTransformer(textModes, CLI::ignore_case).description(""))
-      ->default_str("both");
+      ->default_str("fonts");
   app.add_option("--resolution", options.draw.resolution,
                  "pixels per inch of what becomes a bitmap")
       ->check(CLI::Range(10, 2400))

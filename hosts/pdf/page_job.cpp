@@ -14,7 +14,8 @@ Answer PageJob::operator()(int page) {
 Answer PageJob::draw(int page) {
   const Scene scene = engine_->read(page, options_.resolution);
   const Plan plan = makePlan(scene);
-  const std::u16string document = writePage(scene, plan, engine_->outlines(), options_.text);
+  const std::u16string document =
+      writePage(scene, plan, engine_->outlines(), engine_->shapes(), options_.text);
   const std::string text =
       options_.exact ? qzsvggen::toUtf8(document) : inPoints(document, scene.page);
   folder_.write(pageName(page, engine_->pageCount()), [&](std::ostream& file) { file << text; });

@@ -13,7 +13,7 @@ namespace qz::pdf {
 struct DrawOptions {
   std::filesystem::path input;
   std::optional<std::string> password;
-  TextMode text = TextMode::kBoth;
+  TextMode text = TextMode::kFonts;
   int resolution = 150;
   bool exact = false;
 };

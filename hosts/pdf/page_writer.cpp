@@ -1,5 +1,6 @@
 #include "page_writer.h"
 
+#include "shape_calls.h"
 #include "svg_picture.h"
 
 namespace qz::pdf {
@@ -18,8 +19,8 @@ uint32_t strokeWidth(const Pen& pen) {
 
 class Writer {
  public:
-  Writer(const Scene& scene, const std::vector<Outline>& outlines)
-      : scene_(scene), outlines_(outlines), page_(scene.page) {
+  Writer(const Scene& scene, const std::vector<Outline>& outlines, const TextFonts& fonts)
+      : scene_(scene), outlines_(outlines), fonts_(fonts), page_(scene.page) {
     linkUsed_.resize(scene.links.size());
     fieldCut_.resize(scene.fields.size());
   }
@@ -42,13 +43,15 @@ class Writer {
         drawSvg(item, plan.pictures[item.picture]);
     }
     finishField(field, lines);
-    endBlock();
+    endText();
     for (int32_t each = 0; each < static_cast<int32_t>(scene_.fields.size()); ++each)
       if (!fieldDone(each)) enter({}, {each, -1}), finishField(each, lines);
     for (const TextLine& line : lines)
       if (line.field < 0) drawLine(line);
     coverEmptyLinks();
     enter({}, {});
+    if (!fonts_.fonts.empty())
+      page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page, fontPicture(fonts_));
   }
 
   std::u16string close() { return page_.close(); }
@@ -67,7 +70,7 @@ class Writer {
   void enter(const std::optional<RECT>& clip, Group group) {
     const bool sameField = group.field >= 0 && group == group_;
     if (group == group_ && (sameField || same(clip, clip_))) return;
-    endBlock();
+    endText();
     if (group_ != Group{}) page_.endLink();
     if (!same(clip, clip_)) select(clip);
     clip_ = clip;
@@ -149,7 +152,7 @@ class Writer {
     Colour colour = node.colour;
     colour.alpha = static_cast<uint8_t>(std::lround(static_cast<float>(colour.alpha) * item.alpha));
     if (node.kind == Kind::kText) return drawText(item, colour);
-    endBlock();
+    endText();
     enter(clipOf(item), groupOf(item));
     if (node.kind == Kind::kPicture) {
       const Picture& picture = *std::get<PlacedPicture>(node.content).picture;
@@ -159,13 +162,13 @@ class Writer {
     paint(node, colour);
     const Path& path = std::get<Path>(node.content);
     if (node.kind == Kind::kFill)
-      drawFill(path);
+      drawFill(page_, path);
     else
-      drawStroke(path);
+      drawStroke(page_, path);
   }
 
   void drawSvg(const Item& item, const std::vector<PicturePart>& parts) {
-    endBlock();
+    endText();
     enter({}, groupOf(item));
     page_.drawImage(qzsvggen::ImageFormat::kSvg, scene_.page,
                     drawSvgPicture(parts, scene_.page, outlines_, item.picture));
@@ -181,56 +184,6 @@ class Writer {
     }
   }
 
-  void setPath(const Path& path) {
-    points_.clear();
-    for (const Point p : path.points) points_.push_back(toUnits(p));
-    types_ = path.types;
-  }
-
-  void drawFill(const Path& path) {
-    setPath(path);
-    const size_t count = types_.size();
-    for (size_t i = 0; i < count; ++i)  // a filled figure is closed anyway
-      if (i + 1 == count || types_[i + 1] == PT_MOVETO) types_[i] |= PT_CLOSEFIGURE;
-    if (const std::optional<RECT> box = plainRectangle()) return page_.drawRectangle(*box);
-    page_.drawPath(points_, types_);
-  }
-
-  // A rectangle of the page's directions, at least a unit wide and high so that it is seen.
-  std::optional<RECT> plainRectangle() const {
-    const size_t count = points_.size();
-    if (count != 4 && !(count == 5 && points_[4].x == points_[0].x && points_[4].y == points_[0].y))
-      return std::nullopt;
-    for (size_t i = 1; i < count; ++i)
-      if ((types_[i] & ~PT_CLOSEFIGURE) != PT_LINETO) return std::nullopt;
-    const POINT &a = points_[0], &b = points_[1], &c = points_[2], &d = points_[3];
-    const bool levelFirst = a.y == b.y && b.x == c.x && c.y == d.y && d.x == a.x;
-    const bool uprightFirst = a.x == b.x && b.y == c.y && c.x == d.x && d.y == a.y;
-    if (!levelFirst && !uprightFirst) return std::nullopt;
-    RECT box = {std::min(a.x, c.x), std::min(a.y, c.y), std::max(a.x, c.x), std::max(a.y, c.y)};
-    if (box.right == box.left) ++box.right;
-    if (box.bottom == box.top) ++box.bottom;
-    return box;
-  }
-
-  // A move is written relative to the last move, which readers take from where they are: that is
-  // the same only behind a closed figure. So an open one ends the call.
-  void drawStroke(const Path& path) {
-    setPath(path);
-    const size_t count = types_.size();
-    for (size_t first = 0, i = 0; i < count; ++i) {
-      const bool figureEnds = i + 1 == count || types_[i + 1] == PT_MOVETO;
-      const bool open = (types_[i] & PT_CLOSEFIGURE) == 0;
-      if (i + 1 < count && !(figureEnds && open)) continue;
-      const size_t length = i + 1 - first;
-      if (length == 2 && open)
-        page_.drawLine(points_[first], points_[i]);
-      else
-        page_.drawPath({&points_[first], length}, {&types_[first], length});
-      first = i + 1;
-    }
-  }
-
   // ---- Texts
 
   // Each outline of the page, unpainted and at the origin, for all blocks to refer to.
@@ -242,8 +195,10 @@ class Writer {
     for (const Item& item : plan.items) {
       const Text* text = item.node != nullptr ? std::get_if<Text>(&item.node->content) : nullptr;
       if (text == nullptr || !text->drawn) continue;
-      for (const Glyph& glyph : text->glyphs) {
+      for (size_t i = 0; i < text->glyphs.size(); ++i) {
+        const Glyph& glyph = text->glyphs[i];
         if (known[glyph.outline] || outlines_[glyph.outline].points.empty()) continue;
+        if (fonts_.useOf(*text, i).font != 0) continue;
         known[glyph.outline] = true;
         if (!any) page_.beginCharacterBlock();
         any = true;
@@ -262,22 +217,31 @@ class Writer {
   void drawText(const Item& item, Colour colour) {
     const Text& text = std::get<Text>(item.node->content);
     if (!text.drawn) return;
-    const bool onLinks = item.field < 0 && !scene_.links.empty();
-    for (const Glyph& glyph : text.glyphs) {
-      const Outline& outline = outlines_[glyph.outline];
-      if (outline.points.empty()) continue;
-      Group group{item.field, -1};
-      if (onLinks) group.link = linkAt(scene_.links, outline.bounds.moved(glyph.origin).centre());
-      enter(clipOf(item), group);
-      beginBlock(*item.node, colour);
-      putGlyph(glyph.outline, toUnits(glyph.origin));
+    for (size_t i = 0; i < text.glyphs.size(); ++i) {
+      const Glyph& glyph = text.glyphs[i];
+      const FontUse use = fonts_.useOf(text, i);
+      if (use.font == 0 && outlines_[glyph.outline].points.empty()) continue;
+      enter(clipOf(item), {item.field, item.field < 0 ? linkOf(text, glyph) : -1});
+      if (use.font != 0) {
+        addToRun(text, glyph, use, colour);
+      } else {
+        beginBlock(*item.node, colour);
+        putGlyph(glyph.outline, toUnits(glyph.origin));
+      }
     }
+  }
+
+  int32_t linkOf(const Text& text, const Glyph& glyph) const {
+    const Outline& outline = outlines_[glyph.outline];
+    return linkAt(scene_.links, outline.bounds.empty()
+                                    ? glyph.origin - Point{-outline.advance / 2, text.size / 4}
+                                    : outline.bounds.moved(glyph.origin).centre());
   }
 
   void beginBlock(const Node& node, Colour colour) {
     const uint32_t width = node.pen.width > 0 ? strokeWidth(node.pen) : 0;
     if (blockOpen_ && blockColour_ == colour && blockWidth_ == width) return;
-    endBlock();
+    endText();
     paint(node, colour);
     page_.beginCharacterBlock();
     blockOpen_ = true;
@@ -287,10 +251,53 @@ class Writer {
     blockLength_ = 0;
   }
 
-  void endBlock() {
+  // Ends a block, or draws the run that has been collected.
+  void endText() {
     if (blockOpen_) page_.endCharacterBlock();
     blockOpen_ = false;
+    const bool any = run_.line.text.find_first_not_of(u' ') != std::u16string::npos;
+    if (any) drawRun();
+    run_.line.text.clear();
+    run_.line.positions.clear();
   }
+
+  // ---- Runs in fonts of the page
+
+  void addToRun(const Text& text, const Glyph& glyph, FontUse use, Colour colour) {
+    const POINT at = toUnits(glyph.origin);
+    const int32_t size = std::max(1, toUnits(text.size));
+    const float gap = (glyph.origin.x - run_.end) / text.size;
+    TextLine& line = run_.line;
+    const bool follows =
+        !line.text.empty() && line.origin.y == at.y && gap > backGap && gap < endGap;
+    if (follows && gap > spaceGap && line.text.back() != ' ' && use.character != ' ')
+      append(u' ', toUnits(run_.end));
+    if (!follows || line.size != size || run_.font != use.font || !(run_.colour == colour)) {
+      endText();
+      line.origin = at;
+      line.size = size;
+      run_.font = use.font;
+      run_.colour = colour;
+    }
+    append(use.character, at.x);
+    run_.end = glyph.origin.x + outlines_[glyph.outline].advance;
+  }
+
+  void append(char16_t character, int32_t x) {
+    run_.line.text += character;
+    run_.line.positions.push_back(x);
+  }
+
+  void drawRun() {
+    const Colour& c = run_.colour;
+    page_.clearStroke();
+    page_.setFill(c.alpha, c.red, c.green, c.blue);
+    const std::string name = fonts_.family(run_.font);
+    page_.setFont(std::u16string(name.begin(), name.end()), run_.line.size);
+    drawPlaced(run_.line);
+  }
+
+  // ---- Glyphs and lines
 
   // Within a block a reference is cheaper than the outline, and means the same.
   void putGlyph(uint32_t outline, POINT at) {
@@ -313,10 +320,13 @@ class Writer {
                   : line.serif    ? u"serif"
                                   : u"sans-serif",
                   line.size);
-    if (line.positions.empty()) {
+    if (line.positions.empty())
       page_.drawText(line.text, line.origin);
-      return;
-    }
+    else
+      drawPlaced(line);
+  }
+
+  void drawPlaced(const TextLine& line) {
     // Browsers take one position for a surrogate pair: there the run ends.
     POINT origin = line.origin;
     for (size_t first = 0, i = 0; i < line.text.size(); ++i) {
@@ -347,6 +357,7 @@ class Writer {
 
   const Scene& scene_;
   const std::vector<Outline>& outlines_;
+  const TextFonts& fonts_;
   qzsvggen::Page page_;
   std::vector<bool> linkUsed_, fieldCut_;
   std::vector<int32_t> fieldsDone_;
@@ -360,17 +371,25 @@ class Writer {
   uint32_t blockWidth_ = 0, block_ = 0, blockLength_ = 0;
   std::vector<FirstUse> first_;  // of each outline in the open block
 
-  std::vector<POINT> points_;
-  std::vector<uint8_t> types_;
+  struct Run {
+    TextLine line;
+    uint16_t font = 0;
+    Colour colour;
+    float end = 0;  // x behind its last glyph
+  };
+  Run run_;
 };
 
 }  // namespace
 
 std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
-                         TextMode mode) {
-  Writer writer(scene, outlines);
-  writer.draw(plan,
-              mode == TextMode::kBoth ? makeTextLines(scene, outlines) : std::vector<TextLine>());
+                         const std::vector<Shape>& shapes, TextMode mode) {
+  TextFonts fonts;
+  if (mode == TextMode::kFonts) fonts = makeTextFonts(scene.number, plan, outlines, shapes);
+  std::vector<TextLine> lines;
+  if (mode != TextMode::kOutlines) lines = makeTextLines(scene, outlines, fonts);
+  Writer writer(scene, outlines, fonts);
+  writer.draw(plan, lines);
   return writer.close();
 }
 

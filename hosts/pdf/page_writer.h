@@ -6,10 +6,10 @@
 
 namespace qz::pdf {
 
-enum class TextMode { kOutlines, kBoth };
+enum class TextMode { kFonts, kBoth, kOutlines };
 
-// The page's document.
+// The page's document. Outlines and shapes are those of the engine.
 std::u16string writePage(const Scene& scene, const Plan& plan, const std::vector<Outline>& outlines,
-                         TextMode mode);
+                         const std::vector<Shape>& shapes, TextMode mode);
 
 }  // namespace qz::pdf

@@ -5,7 +5,7 @@
 namespace qz::pdf {
 namespace {
 
-constexpr int effort = 5;  // of zlib: what more makes smaller takes much longer
+constexpr int effort = 5;  // of zlib, from 1 to 9
 
 int channels(PngColours colours) {
   return colours == PngColours::kRgba ? 4 : colours == PngColours::kRgb ? 3 : 1;

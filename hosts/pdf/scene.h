@@ -33,12 +33,20 @@ struct Pen {
   Matrix ellipse;  // what makes a circle of that width the pen; it moves nothing
 };
 
+// A glyph as a font has it: in thousandths of its size, y up.
+struct Shape {
+  std::vector<POINT> points;
+  std::vector<uint8_t> types;
+  int advance = 0;
+};
+
 // The shape of a glyph at the origin, rounded to units.
 struct Outline {
   std::vector<POINT> points;
   std::vector<uint8_t> types;
   Box bounds;
-  float advance = 0;  // to the next glyph, along the line
+  float advance = 0;   // to the next glyph, along the line
+  uint32_t shape = 0;  // index among the engine's shapes, in texts with a design
 };
 
 struct Glyph {
@@ -53,7 +61,9 @@ struct Text {
   std::vector<Glyph> glyphs;
   Point along;  // the direction of the line, of length 1
   float size = 0;
-  bool drawn = true;  // otherwise it is there to be found only
+  bool drawn = true;    // otherwise it is there to be found only
+  uint32_t design = 0;  // texts of the same one have glyphs of the same form; 0 when a font that
+                        // stands upright cannot have them
   bool serif = false, monospaced = false;
 };
 
@@ -143,6 +153,7 @@ struct Field {
 };
 
 struct Scene {
+  int number = 0;  // of the page, from 1
   RECT page = {};
   Node root;
   std::vector<Link> links;

@@ -25,14 +25,40 @@ GlyphCache::Face& GlyphCache::face(fz_font* font, fz_matrix m) {
   if (isNew) {
     fonts_.reserve(fonts_.size() + 1);
     fonts_.push_back(fz_keep_font(context_, font));
+    found->second.design = design(font, m);
   }
   return found->second;
 }
 
-uint32_t GlyphCache::add(Face& face, int glyph, Outline outline) {
+// Text that is level and runs to the right can be set in a font: what else its matrix says, such as
+// a slant, goes into the shapes.
+GlyphCache::Design* GlyphCache::design(fz_font* font, fz_matrix m) {
+  const float size = std::hypot(m.c, m.d);
+  const bool level = size > 1 && m.a > 0 && std::abs(m.b) < 0.001f * m.a && m.a < 10 * size;
+  if (!level || fz_font_t3_procs(context_, font) != nullptr) return nullptr;
+  // Whole numbers, so that texts of about the same form share shapes whichever comes first.
+  const float scale = 1000 / size;
+  const fz_matrix form = {std::round(m.a * scale),  0, std::round(m.c * scale),
+                          std::round(-m.d * scale), 0, 0};
+  const auto [found, isNew] = designs_.try_emplace({font, form.a, form.c, form.d});
+  Design& design = found->second;
+  if (isNew) {
+    design.number = static_cast<uint32_t>(designs_.size());
+    design.matrix = form;
+  }
+  return &design;
+}
+
+void GlyphCache::add(Face& face, int glyph, Outline outline) {
   points_ += outline.points.size();
   outlines_.push_back(std::move(outline));
-  return face[glyph] = static_cast<uint32_t>(outlines_.size() - 1);
+  face.outlines[glyph] = static_cast<uint32_t>(outlines_.size() - 1);
+}
+
+uint32_t GlyphCache::add(Design& design, int glyph, Shape shape) {
+  points_ += shape.points.size();
+  shapes_.push_back(std::move(shape));
+  return design.shapes[glyph] = static_cast<uint32_t>(shapes_.size() - 1);
 }
 
 void GlyphCache::trim() {
@@ -42,7 +68,9 @@ void GlyphCache::trim() {
 void GlyphCache::clear() {
   dropFonts();
   faces_.clear();
+  designs_.clear();
   outlines_.assign(1, Outline{});
+  shapes_.assign(1, Shape{});
   points_ = 0;
 }
 
@@ -237,10 +265,11 @@ void SceneBuilder::addShade(const GradientShape& shape, const uint8_t* colours, 
 void SceneBuilder::beginText(fz_font* font, fz_matrix m, bool vertical, bool drawn) noexcept {
   keep([&] {
     face_ = &glyphs_.face(font, m);
+    textMatrix_ = m;
     text_ = {};
     text_.drawn = drawn;
     text_.size = std::hypot(m.c, m.d);
-    advanceScale_ = std::hypot(m.a, m.b);
+    if (face_->design != nullptr && !vertical) text_.design = face_->design->number;
     const Point line = vertical ? Point{-m.c, -m.d} : Point{m.a, m.b};
     const float scale = length(line);
     if (scale > 0) text_.along = {line.x / scale, line.y / scale};
@@ -248,30 +277,50 @@ void SceneBuilder::beginText(fz_font* font, fz_matrix m, bool vertical, bool dra
 }
 
 bool SceneBuilder::knowsGlyph(int glyph) const noexcept {
-  return failure_ || face_->find(glyph) != face_->end();
+  return failure_ || face_->outlines.find(glyph) != face_->outlines.end();
 }
 
 void SceneBuilder::addGlyph(int glyph, float advance) noexcept {
   keep([&] {
     Outline outline;
-    outline.advance = std::abs(advance) * advanceScale_;
+    outline.advance = std::abs(advance) * std::hypot(textMatrix_.a, textMatrix_.b);
+    m_ = textMatrix_;
     for (const Point p : path_.points) {
-      outline.points.push_back(toUnits(p));
-      outline.bounds.include(p);
+      outline.points.push_back(toUnits(map(p.x, p.y)));
+      outline.bounds.include(map(p.x, p.y));
     }
     outline.types = path_.types;
     for (size_t i = 0; i < outline.types.size(); ++i)  // a filled figure is closed anyway
       if (i + 1 == outline.types.size() || outline.types[i + 1] == PT_MOVETO)
         outline.types[i] |= PT_CLOSEFIGURE;
+    if (face_->design != nullptr) outline.shape = shapeOf(*face_->design, glyph, advance);
     glyphs_.add(*face_, glyph, std::move(outline));
   });
+}
+
+uint32_t SceneBuilder::shapeOf(GlyphCache::Design& design, int glyph, float advance) {
+  const auto known = design.shapes.find(glyph);
+  if (known != design.shapes.end()) return known->second;
+  const auto toShape = [](float value) {
+    constexpr float limit = 16'000;  // of a font's numbers
+    return toUnits(std::clamp(value, -limit, limit));
+  };
+  Shape shape;
+  shape.advance = toShape(std::abs(advance) * design.matrix.a);
+  shape.types = path_.types;
+  m_ = design.matrix;
+  for (const Point p : path_.points) {
+    const Point mapped = map(p.x, p.y);
+    shape.points.push_back({toShape(mapped.x), toShape(mapped.y)});
+  }
+  return glyphs_.add(design, glyph, std::move(shape));
 }
 
 void SceneBuilder::putGlyph(int glyph, Point origin, int character) noexcept {
   keep([&] {
     Glyph item;
     item.continued = glyph < 0;
-    if (!item.continued) item.outline = face_->at(glyph);
+    if (!item.continued) item.outline = face_->outlines.at(glyph);
     item.character = textCharacter(character);
     item.origin = origin;
     text_.glyphs.push_back(item);

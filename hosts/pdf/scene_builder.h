@@ -14,30 +14,45 @@
 
 namespace qz::pdf {
 
-// The outlines of a document's glyphs, made once for each face and size.
+// The outlines of a document's glyphs, made once for each face and size, and their shapes, made
+// once for each face and the form that it is given.
 class GlyphCache {
  public:
+  using Indices = std::unordered_map<int, uint32_t>;  // from glyphs to indices
+  struct Design {
+    uint32_t number = 0;
+    fz_matrix matrix = fz_identity;  // from the face's own coordinates to shapes
+    Indices shapes;
+  };
+  struct Face {
+    Indices outlines;
+    Design* design = nullptr;  // null when its text is not level
+  };
+
   explicit GlyphCache(fz_context* context) : context_(context) { clear(); }
   GlyphCache(const GlyphCache&) = delete;
   GlyphCache& operator=(const GlyphCache&) = delete;
   ~GlyphCache() { dropFonts(); }
 
-  using Face = std::unordered_map<int, uint32_t>;  // from glyphs to indices of outlines
-
   Face& face(fz_font* font, fz_matrix matrix);
-  uint32_t add(Face& face, int glyph, Outline outline);
+  void add(Face& face, int glyph, Outline outline);
+  uint32_t add(Design& design, int glyph, Shape shape);
   const std::vector<Outline>& outlines() const { return outlines_; }
+  const std::vector<Shape>& shapes() const { return shapes_; }
   // Forgets everything when it has become large. Only between pages.
   void trim();
 
  private:
   void clear();
   void dropFonts();
+  Design* design(fz_font* font, fz_matrix matrix);
 
   fz_context* context_;
   std::map<std::tuple<fz_font*, float, float, float, float>, Face> faces_;
+  std::map<std::tuple<fz_font*, float, float, float>, Design> designs_;
   std::vector<fz_font*> fonts_;  // kept, so that no other font gets the address of one
   std::vector<Outline> outlines_;
+  std::vector<Shape> shapes_;
   size_t points_ = 0;
 };
 
@@ -94,7 +109,9 @@ class SceneBuilder {
   // Texts: begun, filled glyph by glyph and used. Glyphs are made when they are not known.
   void beginText(fz_font* font, fz_matrix matrix, bool vertical, bool drawn) noexcept;
   bool knowsGlyph(int glyph) const noexcept;
-  void addGlyph(int glyph, float advance) noexcept;                // its path has been walked over
+  // Its path is walked over, as it is in the face.
+  void beginGlyph() noexcept { beginPath(fz_identity); }
+  void addGlyph(int glyph, float advance) noexcept;
   void putGlyph(int glyph, Point origin, int character) noexcept;  // -1 continues the one before
   void addText(const Pen& pen, Colour colour) noexcept;
 
@@ -142,6 +159,7 @@ class SceneBuilder {
   void addPoint(Point p, uint8_t type);
   Node leaf(Kind kind) const;
   void add(Node node);
+  uint32_t shapeOf(GlyphCache::Design& design, int glyph, float advance);
 
   GlyphCache& glyphs_;
   PictureCache& pictures_;
@@ -157,7 +175,7 @@ class SceneBuilder {
 
   Text text_;
   GlyphCache::Face* face_ = nullptr;
-  float advanceScale_ = 0;
+  fz_matrix textMatrix_ = fz_identity;
 
   int type3Depth_ = 0;
   bool type3IsMask_ = false;

@@ -110,9 +110,9 @@ void clipStrokePath(fz_context* context, fz_device* device, const fz_path* path,
 
 // ---- Texts --------------------------------------------------------------------------------------
 
-void makeGlyph(fz_context* context, SceneBuilder& builder, fz_font* font, int glyph, fz_matrix m,
+void makeGlyph(fz_context* context, SceneBuilder& builder, fz_font* font, int glyph,
                bool vertical) {
-  builder.beginPath(fz_identity);
+  builder.beginGlyph();
   fz_path* outline = nullptr;
   float advance = 0;
   fz_var(outline);
@@ -120,11 +120,11 @@ void makeGlyph(fz_context* context, SceneBuilder& builder, fz_font* font, int gl
   fz_try(context) {
     advance = fz_advance_glyph(context, font, glyph, vertical);
     if (fz_font_t3_procs(context, font) == nullptr)
-      outline = fz_outline_glyph(context, font, glyph, m);
+      outline = fz_outline_glyph(context, font, glyph, fz_identity);
     if (outline != nullptr) fz_walk_path(context, outline, &walker, &builder);
   }
   fz_always(context) fz_drop_path(context, outline);
-  fz_catch(context) builder.beginPath(fz_identity);  // a glyph that cannot be read has no shape
+  fz_catch(context) builder.beginGlyph();  // a glyph that cannot be read has no shape
   builder.addGlyph(glyph, advance);
 }
 
@@ -150,7 +150,7 @@ void addSpan(fz_context* context, SceneBuilder& builder, fz_device* device,
   for (int i = 0; i < span->len; ++i) {
     const fz_text_item& item = span->items[i];
     if (item.gid >= 0 && !builder.knowsGlyph(item.gid))
-      makeGlyph(context, builder, span->font, item.gid, matrix, span->wmode != 0);
+      makeGlyph(context, builder, span->font, item.gid, span->wmode != 0);
     const fz_point at = fz_transform_point_xy(item.x, item.y, m);
     builder.putGlyph(item.gid, {at.x, at.y}, item.ucs);
   }

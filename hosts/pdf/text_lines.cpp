@@ -74,14 +74,14 @@ class Line {
     const float gap = c.start - last.end, gapBefore = last.start - c.end;
     if (isRightToLeft(c.code) && gapBefore > -0.5f * larger && gapBefore < 1.5f * larger)
       return true;
-    return gap > -0.7f * larger && gap < 1.5f * larger;
+    return gap > backGap * larger && gap < endGap * larger;
   }
 
   void add(const Character& c, float size) {
     if (!characters_.empty()) {
       const Character& last = characters_.back();
       const float gap = std::max(c.start - last.end, last.start - c.end);
-      if (gap > 0.13f * std::max(size_, size) && last.code != ' ' && c.code != ' ')
+      if (gap > spaceGap * std::max(size_, size) && last.code != ' ' && c.code != ' ')
         characters_.push_back({' ', last.end, last.end, last.origin});
     }
     characters_.push_back(c);
@@ -185,8 +185,8 @@ class Line {
 
 class Collector {
  public:
-  Collector(const Scene& scene, const std::vector<Outline>& outlines)
-      : scene_(scene), outlines_(outlines) {
+  Collector(const Scene& scene, const std::vector<Outline>& outlines, const TextFonts& fonts)
+      : scene_(scene), outlines_(outlines), fonts_(fonts) {
     visit(scene.root);
     endLine();
   }
@@ -201,19 +201,14 @@ class Collector {
 
   void addText(const Text& text, int32_t field) {
     for (size_t i = 0; i < text.glyphs.size();) {
-      size_t end = i + 1;
-      while (end < text.glyphs.size() && text.glyphs[end].continued) ++end;
-      addGlyph(text, i, end, field);
+      const size_t end = glyphEnd(text, i);
+      if (fonts_.useOf(text, i).font == 0) addGlyph(text, i, end, field);
       i = end;
     }
   }
 
-  // A glyph and the further characters that it stands for.
   void addGlyph(const Text& text, size_t first, size_t end, int32_t field) {
-    std::u32string letters;
-    for (size_t i = first; i < end; ++i)
-      if (text.glyphs[i].character != 0) letters += text.glyphs[i].character;
-    if (const char32_t one = ligature(letters)) letters = one;
+    const std::u32string letters = lettersOf(text, first, end);
     const Glyph& glyph = text.glyphs[first];
     const float start = dot(text.along, glyph.origin);
     const float width = outlines_[glyph.outline].advance;
@@ -244,6 +239,7 @@ class Collector {
 
   const Scene& scene_;
   const std::vector<Outline>& outlines_;
+  const TextFonts& fonts_;
   std::unique_ptr<Line> line_;
 };
 
@@ -255,8 +251,23 @@ int32_t linkAt(const std::vector<Link>& links, Point point) {
   return -1;
 }
 
-std::vector<TextLine> makeTextLines(const Scene& scene, const std::vector<Outline>& outlines) {
-  return std::move(Collector(scene, outlines).lines);
+size_t glyphEnd(const Text& text, size_t first) {
+  size_t end = first + 1;
+  while (end < text.glyphs.size() && text.glyphs[end].continued) ++end;
+  return end;
+}
+
+std::u32string lettersOf(const Text& text, size_t first, size_t end) {
+  std::u32string letters;
+  for (size_t i = first; i < end; ++i)
+    if (text.glyphs[i].character != 0) letters += text.glyphs[i].character;
+  if (const char32_t one = ligature(letters)) letters = one;
+  return letters;
+}
+
+std::vector<TextLine> makeTextLines(const Scene& scene, const std::vector<Outline>& outlines,
+                                    const TextFonts& fonts) {
+  return std::move(Collector(scene, outlines, fonts).lines);
 }
 
 }  // namespace qz::pdf

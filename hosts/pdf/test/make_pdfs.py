@@ -156,6 +156,36 @@ def type3():
     return raw("BT /F 60 Tf 0 0.5 0 rg 30 150 Td (abcab) Tj ET", resources)
 
 
+def letters(codes, content):
+    """A page whose font Helvetica says what its characters mean: codes as keys, hex UTF-16 as values."""
+    def resources(pdf):
+        lines = "".join(f"<{ord(code):02x}> <{meant}> " for code, meant in codes.items())
+        meanings = pdf.make_stream((
+            "/CIDInit /ProcSet findresource begin begincmap\n1 begincodespacerange <00> <FF> "
+            f"endcodespacerange\n{len(codes)} beginbfchar {lines}endbfchar\nendcmap end").encode())
+        font = Dictionary(Type=Name.Font, Subtype=Name.Type1, BaseFont=Name.Helvetica,
+                          Encoding=Name.WinAnsiEncoding, ToUnicode=meanings)
+        return Dictionary(Font=Dictionary(F=pdf.make_indirect(font)))
+
+    return raw(content, resources)
+
+
+def forms():
+    """Text squeezed and slanted, a letter of two shapes, a shape of no or several letters."""
+    plain = {c: f"{ord(c):04x}" for c in "Stretchdlan "}
+    return letters({**plain, "A": "0041", "B": "0041", "C": "FFFD", "D": "0066006A", "E": "00660069"},
+                   "BT /F 24 Tf 60 Tz 20 250 Td (Stretched) Tj 100 Tz ET "
+                   "BT /F 24 Tf 1 0 0.4 1 20 200 Tm (Slanted) Tj ET "
+                   "BT /F 24 Tf 20 150 Td (ABA) Tj ET BT /F 24 Tf 20 100 Td (ACDE) Tj ET")
+
+
+def scripts():
+    """Right to left, drawn from the left, with a number in it; a vowel sign before its consonant."""
+    return letters({"a": "0633", "b": "0644", "c": "0627", "d": "0645", "1": "0031", "2": "0032",
+                    " ": "0020", "i": "093F", "k": "0915", "t": "0924", "v": "094D"},
+                   "BT /F 24 Tf 20 250 Td (dcba 12 abcd) Tj ET BT /F 24 Tf 20 200 Td (ikvtk) Tj ET")
+
+
 def pictures(c):
     own = ImageReader(io.BytesIO(jpeg()))
     c.drawImage(own, 20, 200, 120, 80)
@@ -454,6 +484,7 @@ def handbook():
 
 FEATURES = {
     "shapes": drawn(shapes), "joins": drawn(joins), "clips": drawn(clips), "text": drawn(text),
-    "type3": type3(), "pictures": drawn(pictures), "links": links(), "form": form(),
+    "type3": type3(), "forms": forms(),
+    "scripts": scripts(), "pictures": drawn(pictures), "links": links(), "form": form(),
     "effects": effects(), "gradients": gradients(), "masks": masks(), "tiles": tiles(),
     "pens": pens(), "mesh": mesh(), "leaflet": drawn(leaflet)}

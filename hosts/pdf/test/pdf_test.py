@@ -1,6 +1,7 @@
 #!/usr/bin/python3
 """Tests of qzsvggen-pdf: pdf_test.py PROGRAM."""
 
+import base64
 import concurrent.futures
 import contextlib
 import csv
@@ -24,6 +25,8 @@ sys.path[:0] = [str(HERE), str(HERE.parent)]
 import compare  # noqa: E402
 import make_pdfs  # noqa: E402
 from PIL import Image  # noqa: E402
+from fontTools.pens.boundsPen import BoundsPen  # noqa: E402
+from fontTools.ttLib import TTFont  # noqa: E402
 
 SVG = "{http://www.w3.org/2000/svg}"
 XLINK = "{http://www.w3.org/1999/xlink}"
@@ -32,10 +35,34 @@ VELUMARK = "{urn:velumark:svg:1}"
 # How far, in grey values, the browser's picture of a page is from the engine's own, when it was
 # looked at and found right.
 DIFFERENCES = {"shapes": 0.35, "joins": 0.15, "clips": 0.02, "text": 0.34, "type3": 0.02,
+               "forms": 0, "scripts": 0,
                "pictures": 0.39, "links": 0.06, "form": 0.08, "effects": 0.18, "gradients": 0.47,
                "masks": 0.34, "tiles": 0.36, "pens": 0.05, "mesh": 0.08, "leaflet": 0.36}
 
 MUTANTS = 1000
+
+
+def fonts_of(root):
+    """The font files of a page by their families."""
+    style = "".join(e.text or "" for e in root.iter(SVG + "style"))
+    return {family: base64.b64decode(data) for family, data in
+            re.findall(r"font-family:(\w+);src:url\(data:font/otf;base64,([^)]*)\)", style)}
+
+
+def classes_of(root):
+    """Size and family by the name of the class."""
+    style = "".join(e.text or "" for e in root.iter(SVG + "style"))
+    return {name: (int(size), family) for name, size, family in
+            re.findall(r"\.(\w+)\{font:(\d+)px ([\w-]+);\}", style)}
+
+
+def widths_of(font):
+    """The width of each character. Fails when an outline cannot be read."""
+    font = TTFont(io.BytesIO(font))
+    glyphs = font.getGlyphSet()
+    for name in font.getGlyphOrder():
+        glyphs[name].draw(BoundsPen(glyphs))
+    return {code: font["hmtx"][name][0] for code, name in font.getBestCmap().items()}
 
 
 def run(pdf, out, *options):
@@ -133,18 +160,80 @@ class Features(Folder):
         self.assertEqual(set(used), set(defined))
         self.assertGreater(len(used), 1.5 * len(defined))
 
+    def lines(self, name, *options):
+        root, = self.trees(make_pdfs.FEATURES[name], *options)
+        return [e.text for e in root.iter(SVG + "text")]
+
     def test_text_is_found_in_lines(self):
-        root, = self.trees(make_pdfs.FEATURES["text"])
-        lines = [e.text for e in root.iter(SVG + "text")]
+        lines = self.lines("text", "--text=both")
         self.assertEqual(lines, ["The quick brown fox", "jumps over <the> lazy & dog",
                                  "first line of four", "second line of four", "third line",
                                  "fourth line", "Outline", "upwards"])
-        root, = self.trees(make_pdfs.FEATURES["type3"])
-        self.assertEqual([e.text for e in root.iter(SVG + "text")], ["XYZXY"])
+        self.assertEqual(self.lines("text"), lines)
+        self.assertEqual(self.lines("type3"), ["XYZXY"])
+
+    def test_scripts_are_in_reading_order(self):
+        for options in ([], ["--text=both"]):
+            self.assertEqual(self.lines("scripts", *options),
+                             ["\u0645\u0627\u0644\u0633 12 \u0633\u0644\u0627\u0645",
+                              "\u0915\u094d\u0924\u093f\u0915"])
+
+    def test_fonts_have_the_letters_of_their_text(self):
+        for name in ("text", "forms", "leaflet"):
+            root, = self.trees(make_pdfs.FEATURES[name])
+            fonts, classes = fonts_of(root), classes_of(root)
+            self.assertTrue(fonts)
+            runs = [e for e in root.iter(SVG + "text") if classes[e.get("class")][1] in fonts]
+            for run in runs:
+                size, family = classes[run.get("class")]
+                widths = widths_of(fonts[family])
+                self.assertLessEqual(set(map(ord, run.text)), set(widths), run.text)
+                x = [int(part) for part in run.get("x").split()]
+                for letter, here, there in zip(run.text, x, x[1:]):
+                    if letter != " ":  # wide as the gap that it stands for
+                        self.assertAlmostEqual(widths[ord(letter)] * size / 1000, there - here,
+                                               delta=2.5, msg=run.text)
+
+    def test_fonts_are_sound(self):
+        for name in make_pdfs.FEATURES:
+            for root in self.trees(make_pdfs.FEATURES[name]):
+                for family, data in fonts_of(root).items():
+                    checked = subprocess.run(["ots-sanitize", self.file(data, "font.otf")],
+                                             capture_output=True, text=True)
+                    self.assertEqual((checked.returncode, checked.stderr), (0, ""), (name, family))
+
+    def test_a_second_font_has_the_second_shape_of_a_letter(self):
+        root, = self.trees(make_pdfs.FEATURES["forms"])
+        texts = [(e.text, e.get("class")) for e in root.iter(SVG + "text")]
+        classes = dict(zip("012", [texts[i][1] for i in (2, 3, 4)]))
+        self.assertEqual([text for text, _ in texts],
+                         ["Stretched", "Slanted", "A", "A", "A", "A", "\ufb01", "fj"])
+        self.assertEqual(classes["0"], classes["2"])
+        self.assertNotEqual(classes["0"], classes["1"])
+
+    @unittest.skipUnless(compare.has_chromium(), "there is no chromium")
+    def test_a_selection_over_four_lines_copies_them_in_order(self):
+        for mode in ("fonts", "both"):
+            page, = self.draw(make_pdfs.FEATURES["text"], f"--text={mode}")
+            html = self.file(b"<!DOCTYPE html><meta charset=utf-8><body style='margin:0'>"
+                             + page[page.index(b"<svg"):] + b"""<script>
+                const end = line => [...document.querySelectorAll("text")]
+                  .find(e => e.textContent.includes(line)).getBoundingClientRect();
+                const at = (x, y) => document.caretRangeFromPoint(x, y);
+                const first = end("first"), last = end("fourth");
+                const from = at(first.left + 1, (first.top + first.bottom) / 2);
+                const to = at(last.right - 1, (last.top + last.bottom) / 2);
+                getSelection().setBaseAndExtent(from.startContainer, from.startOffset,
+                                                to.startContainer, to.startOffset);
+                document.title = getSelection().toString().replace(/\\s+/g, " ");
+                </script>""", "page.html")
+            shown = compare.chromium("--dump-dom", html.as_uri()).decode()
+            self.assertIn("<title>first line of four second line of four third line fourth lin",
+                          shown, mode)
 
     def test_a_jpeg_keeps_its_bytes_and_is_stored_once(self):
         page, = self.draw(make_pdfs.FEATURES["pictures"])
-        encoded = compare.base64.b64encode(make_pdfs.jpeg())
+        encoded = base64.b64encode(make_pdfs.jpeg())
         self.assertEqual(page.count(b'<image width="2400" height="1600" xlink:href='
                                     b'"data:image/jpeg;base64,' + encoded), 1)
         self.assertEqual(page.count(encoded), 2)  # the squeezed one is in an SVG picture
@@ -153,7 +242,7 @@ class Features(Folder):
     def test_a_masked_jpeg_keeps_its_bytes(self):
         root, = self.trees(make_pdfs.FEATURES["masks"])
         pictures = [e.get("href") for e in root.iter(SVG + "image")]
-        jpeg = "data:image/jpeg;base64," + compare.base64.b64encode(make_pdfs.jpeg()).decode()
+        jpeg = "data:image/jpeg;base64," + base64.b64encode(make_pdfs.jpeg()).decode()
         self.assertEqual(pictures.count(jpeg), 2)  # two images of the PDF with the same bytes
         self.assertEqual(len(list(root.iter(SVG + "mask"))), 4)
 
