@@ -37,7 +37,8 @@ class Thinning {
     float distance = 0;
     for (int k = 0; k < 3; ++k) {
       const float from = colours_[3 * first + k], to = colours_[3 * last + k];
-      distance = std::max(distance, std::abs(from + (to - from) * t - colours_[3 * i + k]));
+      const float here = colours_[3 * i + k];
+      distance = std::max(distance, std::abs(from + (to - from) * t - here));
     }
     return distance;
   }

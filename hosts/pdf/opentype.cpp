@@ -75,7 +75,7 @@ class CharString {
   static constexpr size_t maxStack = 48;
 
   void add(int type, const POINT* points, size_t count) {
-    int deltas[6];
+    int deltas[6] = {};
     for (size_t i = 0; i < count; ++i) {
       deltas[2 * i] = points[i].x - at_.x;
       deltas[2 * i + 1] = points[i].y - at_.y;

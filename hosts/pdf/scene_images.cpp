@@ -8,7 +8,7 @@ namespace {
 
 using Use = PictureKey::Use;
 
-constexpr float maxSamples = 200e6f;  // of an image that is read row by row
+constexpr double maxSamples = 200e6;  // of an image that is read row by row
 constexpr float maxPixels = 25e6f;  // of one that is read as a whole; of a larger one every second
 
 struct Shown {
@@ -88,7 +88,7 @@ fz_buffer* fromSamples(fz_context* context, const PngForm& form, fz_compressed_b
 fz_buffer* fromPlainSamples(fz_context* context, const Shown& shown, fz_compressed_buffer* file) {
   const fz_image& image = *shown.image;
   const bool matted = image.mask != nullptr && image.use_colorkey != 0;
-  const float samples = static_cast<float>(image.w) * static_cast<float>(image.h) * image.n;
+  const double samples = double{1} * image.w * image.h * image.n;
   if (!hasSamples(file) || matted || samples > maxSamples) return nullptr;
   Colour palette[256];
   PngForm form = {image.w, image.h, image.bpc, PngColours::kPalette, palette};
