@@ -1,4 +1,4 @@
-// The one place where host text enters the markup.
+// The one place where host text enters the markup. (The text of SVG pictures is markup already.)
 #pragma once
 
 #include <cstdint>

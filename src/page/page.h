@@ -16,8 +16,8 @@
 
 namespace qz {
 
-// The sum of the modules' small states, and what needs several of them. Regions and fonts are also
-// set by themselves: `clips`, `fonts`.
+// The sum of the modules' small states, and what needs several of them. Regions and fonts are set
+// by themselves: `clips`, `fonts`.
 //
 // A call whose memory is exhausted throws std::bad_alloc and leaves the page as it was, or with a
 // part of a picture, a character or a character block; every page closes to a well-formed document.
