@@ -5,7 +5,7 @@ usage: compare.py PROGRAM FOLDER [--samples 30] [--phrases 96] [--pages N]
 
 For each converter: the seconds of processor time for all pages, the bytes, the files that are not well-formed XML;
 and on sample pages how far the picture that Chromium makes is from pdftoppm's (the mean difference
-of grey values, 0 to 255, after a blur of two pixels), the share of pdftotext's words that the text
+of grey values, 0 to 255, after a blur of two of its 800 pixels), the share of pdftotext's words that the text
 of the file has, and how many phrases of three words Chromium's own search finds. The row `engine`
 is MuPDF's bitmap. It needs poppler-utils, pdf2svg, mupdf-tools, chromium, python3-pil and
 python3-numpy; a converter that is missing is left out.
@@ -31,7 +31,9 @@ import numpy
 from PIL import Image, ImageFilter
 
 WIDTH = 800  # pixels of a page
-SHEET = 8    # pages in one picture of the browser
+OVER = 4     # Pictures are made so many times as large and reduced: engines widen lines and images to
+             # whole pixels, and browsers do not.
+SHEET = 2    # pages in one picture of the browser
 
 
 def run(*command):
@@ -99,28 +101,39 @@ def blurred(image):
 
 
 def reference(pdf, page):
-    png = run("pdftoppm", "-png", "-f", page, "-l", page, "-scale-to-x", WIDTH, "-scale-to-y", -1,
-              pdf)
-    return Image.open(io.BytesIO(png))
+    png = run("pdftoppm", "-png", "-f", page, "-l", page, "-scale-to-x", OVER * WIDTH,
+              "-scale-to-y", -1, pdf)
+    return Image.open(io.BytesIO(png)).convert("RGB").reduce(OVER)
+
+
+def engine_picture(pdf, page, size):
+    png = run("mutool", "draw", "-q", "-F", "png", "-w", OVER * size[0], "-h", OVER * size[1],
+              "-o", "-", pdf, page)
+    picture = Image.new("RGB", size, "white")
+    picture.paste(Image.open(io.BytesIO(png)).convert("RGB").reduce(OVER))
+    return picture
 
 
 def render(files, sizes):
-    """The pictures that Chromium makes of SVG files."""
+    """The pictures that Chromium makes of SVG files, which begin at the top as those of engines do."""
     pictures = []
+    files = [re.sub(rb"<svg\b", b'<svg preserveAspectRatio="xMinYMin"', file, count=1)
+             for file in files]
     for first in range(0, len(files), SHEET):
         part = range(first, min(first + SHEET, len(files)))
         body = "".join(
-            f'<img width={WIDTH} height={sizes[i][1]} style="display:block;background:white" '
+            f'<img width={sizes[i][0]} height={sizes[i][1]} style="display:block;background:white" '
             f'src="data:image/svg+xml;base64,{base64.b64encode(files[i]).decode()}">' for i in part)
         with tempfile.TemporaryDirectory() as folder:
             page, shot = pathlib.Path(folder, "page.html"), pathlib.Path(folder, "shot.png")
             page.write_text(f'<!DOCTYPE html><body style="margin:0">{body}')
-            height = sum(sizes[i][1] for i in part)
-            chromium(f"--window-size={WIDTH},{height}", f"--screenshot={shot}", page.as_uri())
-            sheet = Image.open(shot).convert("RGB")
+            width, height = max(sizes[i][0] for i in part), sum(sizes[i][1] for i in part)
+            chromium(f"--window-size={width},{height}", f"--force-device-scale-factor={OVER}",
+                     f"--screenshot={shot}", page.as_uri())
+            sheet = Image.open(shot).convert("RGB").reduce(OVER)
         top = 0
         for i in part:
-            pictures.append(sheet.crop((0, top, WIDTH, top + sizes[i][1])))
+            pictures.append(sheet.crop((0, top, sizes[i][0], top + sizes[i][1])))
             top += sizes[i][1]
     return pictures
 
@@ -253,9 +266,7 @@ def main():
     print("| | seconds | MB | ill-formed | grey difference | words | phrases |")
     print("|---|--:|--:|--:|--:|--:|--:|")
     if samples and shutil.which("mutool"):
-        grey = numpy.mean([difference(Image.open(io.BytesIO(
-            run("mutool", "draw", "-q", "-F", "png", "-w", s.picture.width, "-h", s.picture.height,
-                "-o", "-", s.pdf, s.page))).convert("RGB").resize(s.picture.size), s.picture)
+        grey = numpy.mean([difference(engine_picture(s.pdf, s.page, s.picture.size), s.picture)
                            for s in samples])
         print(f"| engine | | | | {grey:.2f} | | |")
     for name, convert in converters(options.program.resolve()).items():

@@ -6,6 +6,8 @@
 namespace qz::pdf {
 namespace {
 
+constexpr int maxFontSize = 10000;  // in units; browsers show larger letters in this size
+
 struct Range {
   char32_t first, last;
 };
@@ -40,6 +42,7 @@ class Chooser {
       : outlines_(outlines), shapes_(shapes) {}
 
   void add(const Text& text) {
+    if (toUnits(text.size) > maxFontSize) return;
     for (const Glyph& glyph : text.glyphs)
       if (isComplex(glyph.character)) return;
     std::vector<FontUse>& uses = chosen.uses[&text];

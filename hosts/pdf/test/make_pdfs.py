@@ -179,6 +179,11 @@ def forms():
                    "BT /F 24 Tf 20 150 Td (ABA) Tj ET BT /F 24 Tf 20 100 Td (ACDE) Tj ET")
 
 
+def large():
+    """Letters larger than browsers show them in fonts."""
+    return letters({"o": "006F", "p": "0070"}, "BT /F 600 Tf 10 100 Td (op) Tj ET")
+
+
 def scripts():
     """Right to left, drawn from the left, with a number in it; a vowel sign before its consonant."""
     return letters({"a": "0633", "b": "0644", "c": "0627", "d": "0645", "1": "0031", "2": "0032",
@@ -484,7 +489,7 @@ def handbook():
 
 FEATURES = {
     "shapes": drawn(shapes), "joins": drawn(joins), "clips": drawn(clips), "text": drawn(text),
-    "type3": type3(), "forms": forms(),
-    "scripts": scripts(), "pictures": drawn(pictures), "links": links(), "form": form(),
+    "type3": type3(), "forms": forms(), "scripts": scripts(), "large": large(),
+    "pictures": drawn(pictures), "links": links(), "form": form(),
     "effects": effects(), "gradients": gradients(), "masks": masks(), "tiles": tiles(),
     "pens": pens(), "mesh": mesh(), "leaflet": drawn(leaflet)}
