@@ -1,6 +1,6 @@
 # qzsvggen_install_documents(COMPONENT DESTINATION DOCUMENT...): installs documents of the repository
-# in its folders. Where one links to what is not among them nor beside them in a package (include/,
-# examples/), the link becomes its words.
+# in its folders. Where one links to what is not among them nor beside them in the package (include/ and
+# examples/, in development), the link becomes its words.
 function(qzsvggen_install_documents component destination)
   foreach(document ${ARGN})
     get_filename_component(folder ${document} DIRECTORY)
@@ -12,10 +12,11 @@ function(qzsvggen_install_documents component destination)
     string(REGEX MATCHALL "\\([A-Za-z0-9_./-]+(#[a-z-]+)?\\)" links "${text}")
     list(REMOVE_DUPLICATES links)
     foreach(link ${links})
-      string(REGEX REPLACE "^.|#.*|.$" "" path "${link}")
+      string(REGEX MATCH "[^(#)]+" path "${link}")
       cmake_path(ABSOLUTE_PATH path BASE_DIRECTORY ${PROJECT_SOURCE_DIR}/${folder} NORMALIZE)
       cmake_path(RELATIVE_PATH path BASE_DIRECTORY ${PROJECT_SOURCE_DIR})
-      if(NOT path IN_LIST ARGN AND NOT path MATCHES "^(include|examples)(/|$)")
+      if(NOT path IN_LIST ARGN AND
+         NOT (component STREQUAL "development" AND path MATCHES "^(include|examples)(/|$)"))
         string(REGEX REPLACE "([()#])" "\\\\\\1" pattern "${link}")
         string(REGEX REPLACE "!?\\[([^]]*)\\]${pattern}" "\\1" text "${text}")
       endif()

@@ -22,6 +22,7 @@ compare() {
 
 links() {  # in documents lead to what lies there, too
   local document link
+  grep -rq --include=README.md '(docs/integration.md)' "$1" || { echo "README has lost its links"; exit 1; }
   find "$1" -name '*.md' | while read -r document; do
     for link in $(grep -oE '\]\([A-Za-z0-9_./-]+[#)]' "$document" | tr -d '](#)'); do
       [ -e "$(dirname "$document")/$link" ] || { echo "$document: $link"; exit 1; }

@@ -124,7 +124,8 @@ class Lines(tool.InFolder):
 
     def test_until(self):
         line = '["SVG_DrawLine",[0,0],[1,1]]\n'
-        self.replay(CREATE + '\n{}\n' + 3 * line, '--until', '4')
+        result = self.replay(CREATE + '\n{}\n' + 3 * line, '--until', '4', '--time')
+        self.assertTrue(result.stderr.startswith('2 calls: '), result.stderr)
         self.assertEqual((self.folder / 'page.svg').read_text().count('<line'), 2)
 
     def test_verify(self):

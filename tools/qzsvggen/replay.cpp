@@ -41,8 +41,9 @@ class ReplayCommand {
     const auto drawn = Clock::now();
     Document document = replay.close();
     const std::chrono::duration<double> drawing = drawn - started, closing = Clock::now() - drawn;
-    const std::size_t calls = recording.calls().size();
-    std::fprintf(stderr, "%zu calls: drawing %.6f s, closing %.6f s, %.0f calls per second\n",
+    const auto calls = std::ranges::count_if(
+        recording.calls(), [this](const Call& call) { return until_ == 0 || call.line <= until_; });
+    std::fprintf(stderr, "%td calls: drawing %.6f s, closing %.6f s, %.0f calls per second\n",
                  calls, drawing.count(), closing.count(),
                  static_cast<double>(calls) / std::max((drawing + closing).count(), 1e-9));
     return document;
