@@ -42,8 +42,8 @@ std::string DocumentFonts::share(const std::string& page) {
 }
 
 size_t DocumentFonts::numberOf(const Font& font) {
-  const auto found = std::find_if(fonts_.begin(), fonts_.end(),
-                                  [&](Font& shared) { return takes(shared, font); });
+  const auto found =
+      std::find_if(fonts_.begin(), fonts_.end(), [&](Font& shared) { return takes(shared, font); });
   const auto number = static_cast<size_t>(found - fonts_.begin());
   if (found == fonts_.end()) fonts_.push_back(font);
   return number;

@@ -1,5 +1,5 @@
-// The fonts of a whole document. Each page brings fonts with its own glyphs; those that have a shape
-// for each character in common become one.
+// The fonts of a whole document. Each page brings fonts with its own glyphs; those that have a
+// shape for each character in common become one.
 #pragma once
 
 #include <string>

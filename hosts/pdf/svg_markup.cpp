@@ -113,14 +113,20 @@ std::string base64(const std::string& bytes) {
 }
 
 std::string fromBase64(std::string_view text) {
+  static constexpr auto values = [] {
+    std::array<uint8_t, 256> table;
+    table.fill(64);
+    for (uint8_t i = 0; i < 64; ++i) table[static_cast<uint8_t>(base64Letters[i])] = i;
+    return table;
+  }();
   std::string bytes;
   bytes.reserve(text.size() / 4 * 3);
   uint32_t bits = 0;
   int count = 0;
   for (const char letter : text) {
-    const size_t value = base64Letters.find(letter);
-    if (value == std::string_view::npos) break;
-    bits = bits << 6 | static_cast<uint32_t>(value);
+    const uint8_t value = values[static_cast<uint8_t>(letter)];
+    if (value == 64) break;
+    bits = bits << 6 | value;
     count += 6;
     if (count < 8) continue;
     count -= 8;
