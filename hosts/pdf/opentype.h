@@ -1,6 +1,6 @@
 // OpenType fonts from outlines. No library that Debian has makes a font from nothing and promises a
 // stable interface, so this one writes what browsers need of one: cubic outlines (CFF), a table of
-// characters, widths.
+// characters, widths. What it wrote it reads back, so that fonts can be merged.
 #pragma once
 
 #include <map>

@@ -159,7 +159,9 @@ export class Scope {
       const source = /url\("(data:[^"\\]*)"\)/.exec(style.getPropertyValue('src'))?.[1];
       if (!source) continue;
       const descriptors = { style: style.getPropertyValue('font-style') || 'normal', weight: style.getPropertyValue('font-weight') || 'normal' };
-      families.set(family, [...families.get(family) ?? [], { source, descriptors }]);
+      const faces = families.get(family) ?? [];
+      faces.push({ source, descriptors });
+      families.set(family, faces);
     }
     for (const [family, faces] of families) {
       const key = JSON.stringify(faces);
