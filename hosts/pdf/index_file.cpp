@@ -9,6 +9,8 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "document_fonts.h"
+
 namespace qz::pdf {
 namespace {
 
@@ -73,8 +75,8 @@ std::string contentOf(const std::filesystem::path& path) {
   return page;
 }
 
-// Packs pages such that a long value of several, as a font, an image or the shape of a letter, is
-// there once: where it comes first, and as <NUMBER> from then on. Values are counted as they come,
+// Packs pages such that a long value of several, as an image or the shape of a letter, is there
+// once: where it comes first, and as <NUMBER> from then on. Values are counted as they come,
 // and app.js counts likewise.
 class Packer {
  public:
@@ -119,9 +121,13 @@ void writeIndex(std::ostream& out, const std::string& title,
   const std::string name = escaped(title);
   out << "<!DOCTYPE html>\n<meta charset=\"utf-8\">\n<title>" << name << "</title>" << head
       << "<header>\n  <h1>" << name << "</h1>" << body;
+  DocumentFonts fonts;
   Packer packer;
   for (const std::filesystem::path& page : pages)
-    out << "<script type=\"image/svg+xml\">" << packer.pack(contentOf(page)) << "</script>\n";
+    out << "<script type=\"image/svg+xml\">" << packer.pack(fonts.share(contentOf(page)))
+        << "</script>\n";
+  for (const Font& font : fonts.fonts())
+    out << "<script type=\"font/otf\">" << fontAddress(font) << "</script>\n";
   out << "<script>" << script << "</script>\n";
 }
 

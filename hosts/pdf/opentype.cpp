@@ -1,5 +1,7 @@
 #include "opentype.h"
 
+#include "svg_markup.h"
+
 namespace qz::pdf {
 namespace {
 
@@ -156,19 +158,14 @@ std::string makeCff(const std::vector<std::string>& charStrings) {
 
 // ---- Tables
 
-struct Metrics {
-  Box bounds;
-  int widest = 0;
-};
-
 // Ranges of consecutive characters, whose glyphs are consecutive, too.
-std::string makeCmap(const FontGlyphs& glyphs) {
+std::string makeCmap(const Font& font) {
   struct Range {
     int first, last, glyph;
   };
   std::vector<Range> ranges;
   int glyph = 1;
-  for (const auto& [character, shape] : glyphs) {
+  for (const auto& [character, outline] : font.glyphs) {
     if (ranges.empty() || ranges.back().last + 1 != character)
       ranges.push_back({character, character, glyph});
     ranges.back().last = character;
@@ -190,8 +187,8 @@ std::string makeCmap(const FontGlyphs& glyphs) {
   return out.text;
 }
 
-std::string makeHead(const Metrics& m) {
-  const RECT box = m.bounds.rounded();
+std::string makeHead(const Font& font) {
+  const RECT box = font.bounds.rounded();
   Bytes out;
   out.u32(0x10000).u32(0x10000).u32(0).u32(0x5F0F3CF5).u16(3).u16(1000);
   out.u32(0).u32(0).u32(0).u32(0);
@@ -199,21 +196,23 @@ std::string makeHead(const Metrics& m) {
   return out.u16(0).u16(3).u16(2).u16(0).u16(0).text;
 }
 
-std::string makeHhea(const Metrics& m, size_t count) {
-  const RECT box = m.bounds.rounded();
+std::string makeHhea(const Font& font, size_t count) {
+  const RECT box = font.bounds.rounded();
+  int widest = 0;
+  for (const auto& [character, glyph] : font.glyphs) widest = std::max(widest, glyph.advance);
   Bytes out;
-  out.u32(0x10000).s16(ascent).s16(descent).s16(0).s16(m.widest);
+  out.u32(0x10000).s16(ascent).s16(descent).s16(0).s16(widest);
   out.s16(box.left).s16(0).s16(box.right).s16(1).s16(0).s16(0);
   return out.u32(0).u32(0).s16(0).u16(static_cast<uint32_t>(count)).text;
 }
 
-std::string makeOs2(const FontGlyphs& glyphs) {
+std::string makeOs2(const Font& font) {
   Bytes out;
   out.u16(3).s16(500).u16(400).u16(5).u16(0);
   for (const int value : {650, 600, 0, 75, 650, 600, 0, 350, 50, 300}) out.s16(value);
   out.s16(0).add(std::string(10, '\0'));  // class and Panose
   out.u32(1).u32(0).u32(0).u32(0).add("none").u16(0x40);
-  out.u16(glyphs.begin()->first).u16(glyphs.rbegin()->first);
+  out.u16(font.glyphs.begin()->first).u16(font.glyphs.rbegin()->first);
   out.s16(ascent).s16(descent).s16(0).s16(ascent).s16(-descent);
   out.u32(1).u32(0).s16(500).s16(700).u16(0).u16(' ');
   return out.u16(1).text;
@@ -252,38 +251,45 @@ std::string makeFile(const std::vector<std::pair<const char*, std::string>>& tab
   return out.text;
 }
 
-}  // namespace
-
-std::string makeOpenType(const FontGlyphs& wanted) {
-  FontGlyphs glyphs = wanted;
-  Shape space;
-  space.advance = 250;
-  glyphs.try_emplace(u' ', &space);
-
-  std::vector<std::string> charStrings = {CharString(space).text()};  // the glyph of no character
+std::string makeOpenType(const Font& font) {
+  std::vector<std::string> charStrings = {CharString({}).text()};  // the glyph of no character
   Bytes widths;
   widths.u16(0).u16(0);
-  Metrics metrics;
-  metrics.bounds.include(Point{0, 0});
-  for (const auto& [character, shape] : glyphs) {
-    charStrings.push_back(CharString(*shape).text());
-    Box box;
-    for (const POINT p : shape->points)
-      box.include(Point{static_cast<float>(p.x), static_cast<float>(p.y)});
-    widths.u16(static_cast<uint32_t>(shape->advance)).s16(box.empty() ? 0 : box.rounded().left);
-    metrics.bounds.include(box);
-    metrics.widest = std::max(metrics.widest, shape->advance);
+  for (const auto& [character, glyph] : font.glyphs) {
+    charStrings.push_back(glyph.outline);
+    widths.u16(static_cast<uint32_t>(glyph.advance)).s16(glyph.left);
   }
   const size_t count = charStrings.size();
   return makeFile({{"CFF ", makeCff(charStrings)},
-                   {"OS/2", makeOs2(glyphs)},
-                   {"cmap", makeCmap(glyphs)},
-                   {"head", makeHead(metrics)},
-                   {"hhea", makeHhea(metrics, count)},
+                   {"OS/2", makeOs2(font)},
+                   {"cmap", makeCmap(font)},
+                   {"head", makeHead(font)},
+                   {"hhea", makeHhea(font, count)},
                    {"hmtx", widths.text},
                    {"maxp", Bytes().u32(0x5000).u16(static_cast<uint32_t>(count)).text},
                    {"name", makeName()},
                    {"post", Bytes().u32(0x30000).add(std::string(28, '\0')).text}});
+}
+
+}  // namespace
+
+Font makeFont(const FontGlyphs& glyphs) {
+  Font font;
+  font.bounds.include(Point{0, 0});
+  font.glyphs[u' '] = {CharString({}).text(), 250, 0};
+  for (const auto& [character, shape] : glyphs) {
+    Box box;
+    for (const POINT p : shape->points)
+      box.include(Point{static_cast<float>(p.x), static_cast<float>(p.y)});
+    font.glyphs[character] = {CharString(*shape).text(), shape->advance,
+                              box.empty() ? 0 : box.rounded().left};
+    font.bounds.include(box);
+  }
+  return font;
+}
+
+std::string fontAddress(const Font& font) {
+  return std::string(fontAddressStart) + base64(makeOpenType(font));
 }
 
 }  // namespace qz::pdf

@@ -5,6 +5,9 @@
 namespace qz::pdf {
 namespace {
 
+constexpr std::string_view base64Letters =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
 POINT rounded(Point p) { return toUnits(p); }
 POINT rounded(POINT p) { return p; }
 
@@ -97,8 +100,6 @@ std::string strokeAttributes(const Pen& pen, Colour colour) {
 }
 
 std::string base64(const std::string& bytes) {
-  constexpr const char* letters =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::string text;
   text.reserve(bytes.size() / 3 * 4 + 4);
   for (size_t i = 0; i < bytes.size(); i += 3) {
@@ -106,9 +107,32 @@ std::string base64(const std::string& bytes) {
     for (size_t k = 0; k < 3; ++k)
       group = group << 8 | (i + k < bytes.size() ? static_cast<uint8_t>(bytes[i + k]) : 0u);
     for (size_t k = 0; k < 4; ++k)
-      text += i + k <= bytes.size() ? letters[group >> (18 - 6 * k) & 63] : '=';
+      text += i + k <= bytes.size() ? base64Letters[group >> (18 - 6 * k) & 63] : '=';
   }
   return text;
+}
+
+std::string fromBase64(std::string_view text) {
+  static constexpr auto values = [] {
+    std::array<uint8_t, 256> table;
+    table.fill(64);
+    for (uint8_t i = 0; i < 64; ++i) table[static_cast<uint8_t>(base64Letters[i])] = i;
+    return table;
+  }();
+  std::string bytes;
+  bytes.reserve(text.size() / 4 * 3);
+  uint32_t bits = 0;
+  int count = 0;
+  for (const char letter : text) {
+    const uint8_t value = values[static_cast<uint8_t>(letter)];
+    if (value == 64) break;
+    bits = bits << 6 | value;
+    count += 6;
+    if (count < 8) continue;
+    count -= 8;
+    bytes += static_cast<char>(bits >> count);
+  }
+  return bytes;
 }
 
 }  // namespace qz::pdf

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "scene.h"
 
@@ -21,5 +22,7 @@ std::string paintAttributes(const char* what, Colour colour);
 std::string strokeAttributes(const Pen& pen, Colour colour);
 
 std::string base64(const std::string& bytes);
+// The bytes of a text up to what is no base64.
+std::string fromBase64(std::string_view text);
 
 }  // namespace qz::pdf

@@ -1,6 +1,5 @@
 #include "text_fonts.h"
 
-#include "svg_markup.h"
 #include "text_lines.h"
 
 namespace qz::pdf {
@@ -102,8 +101,8 @@ TextFonts makeTextFonts(int page, const Plan& plan, const std::vector<Outline>& 
 std::string fontPicture(const TextFonts& fonts) {
   std::string style;
   for (size_t i = 0; i < fonts.fonts.size(); ++i)
-    style += "@font-face{font-family:" + fonts.family(i + 1) + ";src:url(data:font/otf;base64," +
-             base64(makeOpenType(fonts.fonts[i].glyphs)) + ")}";
+    style += "@font-face{font-family:" + fonts.family(i + 1) + ";src:url(" +
+             fontAddress(makeFont(fonts.fonts[i].glyphs)) + ")}";
   return "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 1 1\"><style>" + style +
          "</style></svg>";
 }

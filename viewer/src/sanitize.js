@@ -67,15 +67,16 @@ function isAllowed(name) {
 export class Scope {
   /**
    * @param {string} prefix
-   * @param {Map<string, string>} [fonts] of a page: the classes of all pages' fonts. New rules make a
-   *   browser look at all pages again, so that fonts which come again must not bring any.
+   * @param {Map<string, string>} shared by all pages: the classes of their fonts, and the families of
+   *   the font files that they bring. New rules and fonts make a browser look at all pages again, so
+   *   that what comes again must not bring any.
    * @param {Scope} [page] of a picture
    */
-  constructor(prefix, fonts, page) {
+  constructor(prefix, shared, page) {
     this.prefix = prefix;
     this.page = page;
-    this.picture = !fonts;
-    this.fontClasses = fonts ?? new Map();
+    this.picture = Boolean(page);
+    this.shared = shared;
     /** @type {string[]} rules for the shadow root */
     this.rules = [];
     /** @type {{family: string, source: string, descriptors: Record<string, string>}[]} */
@@ -147,15 +148,31 @@ export class Scope {
     return result;
   }
 
-  /** @param {CSSFontFaceRule} rule */
-  addFont({ style }) {
-    const family = unquoted(style.getPropertyValue('font-family'));
-    const source = /url\("(data:[^"\\]*)"\)/.exec(style.getPropertyValue('src'))?.[1];
-    if (!source) return;
-    const descriptors = { style: style.getPropertyValue('font-style') || 'normal', weight: style.getPropertyValue('font-weight') || 'normal' };
-    const own = this.prefix + family;
-    for (const scope of [this, this.page]) scope?.families.set(family, own);
-    this.fonts.push({ family: own, source, descriptors });
+  /** Families with the same faces are one. @param {CSSRule[]} rules */
+  addFonts(rules) {
+    /** @type {Map<string, {source: string, descriptors: Record<string, string>}[]>} */
+    const families = new Map();
+    for (const rule of rules) {
+      if (!(rule instanceof CSSFontFaceRule)) continue;
+      const { style } = rule;
+      const family = unquoted(style.getPropertyValue('font-family'));
+      const source = /url\("(data:[^"\\]*)"\)/.exec(style.getPropertyValue('src'))?.[1];
+      if (!source) continue;
+      const descriptors = { style: style.getPropertyValue('font-style') || 'normal', weight: style.getPropertyValue('font-weight') || 'normal' };
+      const faces = families.get(family) ?? [];
+      faces.push({ source, descriptors });
+      families.set(family, faces);
+    }
+    for (const [family, faces] of families) {
+      const key = JSON.stringify(faces);
+      let own = this.shared.get(key);
+      if (!own) {
+        own = this.prefix + family;
+        this.shared.set(key, own);
+        for (const face of faces) this.fonts.push({ family: own, ...face });
+      }
+      for (const scope of [this, this.page]) scope?.families.set(family, own);
+    }
   }
 
   /** @param {CSSStyleRule} rule */
@@ -163,10 +180,10 @@ export class Scope {
     style.fontFamily = this.family(style.fontFamily);
     const { font, fontSize } = style;
     if (!font) return;
-    let name = this.fontClasses.get(font);
+    let name = this.shared.get(font);
     if (!name) {
-      name = `font${this.fontClasses.size}`;
-      this.fontClasses.set(font, name);
+      name = `font${this.shared.size}`;
+      this.shared.set(font, name);
       this.rules.push(`.${name}{font:${font}}`);
     }
     this.classes.set(selectorText.slice(1), { name, css: font, size: parseFloat(fontSize) });
@@ -178,18 +195,20 @@ export class Scope {
     return names.map(name => this.picture ? this.prefix + name : this.classes.get(name)?.name ?? '').join(' ').trim();
   }
 
-  /** Takes over a style sheet: of a page its fonts, of a picture all that it may say. @param {string} text */
-  addSheet(text) {
-    const sheet = new CSSStyleSheet();
-    sheet.replaceSync(text);  // leaves imports out
-    const rules = [...sheet.cssRules];
+  /** Takes over style sheets: of a page their fonts, of a picture all that they may say. @param {string[]} texts */
+  addSheets(texts) {
+    const rules = texts.flatMap(text => {
+      const sheet = new CSSStyleSheet();
+      sheet.replaceSync(text);  // leaves imports out
+      return [...sheet.cssRules];
+    });
     if (!this.picture) {
       for (const rule of rules)
         if (rule instanceof CSSStyleRule && /^\.QZ_fnt\d+$/.test(rule.selectorText)) this.addFontClass(rule);
       return;
     }
-    this.styled = true;
-    for (const rule of rules) if (rule instanceof CSSFontFaceRule) this.addFont(rule);
+    this.styled = texts.length > 0;
+    this.addFonts(rules);
     this.rules.push(this.confined(rules));
   }
 }
@@ -228,10 +247,9 @@ function reference({ localName }, value, scope) {
  * @param {Element} root @param {Scope} scope
  */
 export function sanitize(root, scope) {
-  for (const style of root.querySelectorAll('style')) {
-    scope.addSheet(style.textContent ?? '');
-    style.remove();
-  }
+  const styles = [...root.querySelectorAll('style')];
+  scope.addSheets(styles.map(style => style.textContent ?? ''));
+  for (const style of styles) style.remove();
   cleanChildren(root, scope);
 }
 
@@ -265,7 +283,7 @@ export function sanitizePictures(root, page) {
   const scopes = [];
   for (const element of [...root.children]) {
     const picture = /^QZ_G\d+$/.test(element.id);
-    const scope = picture ? new Scope(`${page.prefix}${element.id}_`, undefined, page) : page;
+    const scope = picture ? new Scope(`${page.prefix}${element.id}_`, page.shared, page) : page;
     if (!picture && !/^QZ_S\d+$/.test(element.id)) {
       element.remove();  // what broke out of a picture
       continue;

@@ -84,7 +84,7 @@ export class VelumarkViewer extends HTMLElement {
   /** @type {FontFace[]} */
   #fonts = [];
   /** @type {Map<string, string>} */
-  #fontClasses = new Map();
+  #sharedFonts = new Map();
   #disabled = false;
   #run = 0;
   #observer = new ResizeObserver(() => this.#layOut());
@@ -220,7 +220,7 @@ export class VelumarkViewer extends HTMLElement {
     for (const font of this.#fonts) document.fonts.delete(font);
     this.#fonts = [];
     this.#pages = [];
-    for (const map of [this.#fields, this.#fontClasses, this.#links, this.#signatures]) map.clear();
+    for (const map of [this.#fields, this.#sharedFonts, this.#links, this.#signatures]) map.clear();
     this.scrollTop = 0;
   }
 
@@ -228,7 +228,7 @@ export class VelumarkViewer extends HTMLElement {
   #add({ text, width, height }, number) {
     const parsed = parsePage(text);
     const { page } = parsed;
-    const scope = new Scope(`p${++pagesMade}_`, this.#fontClasses);
+    const scope = new Scope(`p${++pagesMade}_`, this.#sharedFonts);
     const pictures = parsed.pictures ? sanitizePictures(parsed.pictures, scope) : [];
     sanitize(page, scope);
     if (parsed.pictures) page.querySelector('defs')?.append(...parsed.pictures.children);

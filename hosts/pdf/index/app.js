@@ -5,13 +5,14 @@ const viewer = document.querySelector('velumark-viewer');
 const number = document.querySelector('input');
 
 /**
- * Pages are packed: a long value is written out where it comes first, and as <NUMBER> from then on.
- * No page holds such a tag.
+ * Pages are packed: a long value is written out where it comes first, and as <NUMBER> from then on;
+ * <@NUMBER> stands for a font. No page holds such tags.
  */
-function unpack(pages) {
+function unpack(pages, fonts) {
   const values = [];
   const put = (value, index) => index ? values[index] : values[values.push(value) - 1];
-  return pages.map(page => page.replace(/<(\d+)>|[ !#-&*-;=?-~]{48,}/g, put));
+  return pages.map(page => page.replace(/<(\d+)>|[ !#-&*-;=?-~]{48,}/g, put)
+    .replace(/<@(\d+)>/g, (_, index) => fonts[index]));
 }
 
 /** The size in twentieths of a point, as the viewer reads it. */
@@ -84,9 +85,13 @@ function setSheetSize([page]) {
 
 // ---- The beginning ----
 
-const elements = [...document.querySelectorAll('script[type="image/svg+xml"]')];
-const pages = unpack(elements.map(element => element.text)).map(inUnits);
-for (const element of elements) element.remove();
+/** Takes the content of elements out of the document. */
+const taken = type => [...document.querySelectorAll(`script[type="${type}"]`)].map(element => {
+  element.remove();
+  return element.text;
+});
+
+const pages = unpack(taken('image/svg+xml'), taken('font/otf')).map(inUnits);
 number.max = document.querySelector('output').value = pages.length;
 if (location.hash) goToHash();
 setSheetSize(pages);

@@ -1,7 +1,7 @@
 // Tries an index.html in browsers, as a user does. Its address is in INDEX; pdf_test.py makes it.
 import assert from 'node:assert/strict';
 import { execFileSync } from 'node:child_process';
-import { inBrowsers } from '../../../viewer/test/support.js';
+import { inBrowsers, shoot } from '../../../viewer/test/support.js';
 
 const TARGET_PAGE = 32;
 
@@ -26,6 +26,24 @@ inBrowsers('the browser finds text on all pages, and asks for no other file', as
   assert.ok(await finds('Chapter nine begins here'));
   assert.ok(!await finds('Chapter ten'));
   assert.deepEqual(asked.filter(each => !each.startsWith('data:') && each !== process.env.INDEX), []);
+});
+
+inBrowsers('a page looks as its file does, though it shares fonts', async browser => {
+  await open(browser);
+  const place = await browser.evaluate(async page => {
+    viewer.setAttribute('zoom', '1');
+    const { element } = viewer.pages[page - 1];
+    element.scrollIntoView({ block: 'center' });
+    const { x, y, width, height } = element.getBoundingClientRect();
+    await new Promise(requestAnimationFrame);
+    await document.fonts.ready;
+    return { x: x + scrollX, y: y + scrollY, width, height };
+  }, TARGET_PAGE);
+  const shown = await shoot(browser, place);
+  await browser.goto(new URL(`page-0${TARGET_PAGE}.svg`, process.env.INDEX));
+  const alone = await shoot(browser, { ...place, x: 0, y: 0 });
+  const different = shown.data.filter((value, i) => Math.abs(value - alone.data[i]) > 64);
+  assert.equal(different.length, 0);
 });
 
 inBrowsers('a link leads to another page, and the way back from it', async browser => {

@@ -472,6 +472,17 @@ def book():
     return drawn(*(6 * [shapes, joins, clips, text, pictures]))
 
 
+def faces():
+    """Pages with different letters of two faces."""
+    def page(face, words):
+        def draw(c):
+            c.setFont(face, 20)
+            c.drawString(20, 200, words)
+        return draw
+
+    return drawn(page("Times-Roman", "quick"), page("Times-Roman", "brown fox"), page("Helvetica", "fox"))
+
+
 def handbook():
     """Forty pages, with a link, a form and a signature on the first."""
     def first(c):

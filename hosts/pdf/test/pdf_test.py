@@ -25,7 +25,7 @@ sys.path[:0] = [str(HERE), str(HERE.parent)]
 import compare  # noqa: E402
 import make_pdfs  # noqa: E402
 from PIL import Image  # noqa: E402
-from fontTools.pens.boundsPen import BoundsPen  # noqa: E402
+from fontTools.pens.recordingPen import RecordingPen  # noqa: E402
 from fontTools.ttLib import TTFont  # noqa: E402
 
 SVG = "{http://www.w3.org/2000/svg}"
@@ -56,13 +56,15 @@ def classes_of(root):
             re.findall(r"\.(\w+)\{font:(\d+)px ([\w-]+);\}", style)}
 
 
-def widths_of(font):
-    """The width of each character. Fails when an outline cannot be read."""
+def letters_of(font):
+    """The width and the outline of each character."""
     font = TTFont(io.BytesIO(font))
-    glyphs = font.getGlyphSet()
-    for name in font.getGlyphOrder():
-        glyphs[name].draw(BoundsPen(glyphs))
-    return {code: font["hmtx"][name][0] for code, name in font.getBestCmap().items()}
+    glyphs, letters = font.getGlyphSet(), {}
+    for code, name in font.getBestCmap().items():
+        pen = RecordingPen()
+        glyphs[name].draw(pen)
+        letters[code] = font["hmtx"][name][0], pen.value
+    return letters
 
 
 def run(pdf, out, *options):
@@ -91,6 +93,11 @@ class Folder(unittest.TestCase):
 
     def trees(self, data, *options):
         return [ElementTree.fromstring(page) for page in self.draw(data, *options)]
+
+    def check_font(self, data, name):
+        checked = subprocess.run(["ots-sanitize", self.file(data, "font.otf")],
+                                 capture_output=True, text=True)
+        self.assertEqual((checked.returncode, checked.stderr), (0, ""), name)
 
 
 class Features(Folder):
@@ -185,21 +192,19 @@ class Features(Folder):
             runs = [e for e in root.iter(SVG + "text") if classes[e.get("class")][1] in fonts]
             for run in runs:
                 size, family = classes[run.get("class")]
-                widths = widths_of(fonts[family])
-                self.assertLessEqual(set(map(ord, run.text)), set(widths), run.text)
+                letters = letters_of(fonts[family])
+                self.assertLessEqual(set(map(ord, run.text)), set(letters), run.text)
                 x = [int(part) for part in run.get("x").split()]
                 for letter, here, there in zip(run.text, x, x[1:]):
                     if letter != " ":  # wide as the gap that it stands for
-                        self.assertAlmostEqual(widths[ord(letter)] * size / 1000, there - here,
+                        self.assertAlmostEqual(letters[ord(letter)][0] * size / 1000, there - here,
                                                delta=2.5, msg=run.text)
 
     def test_fonts_are_sound(self):
         for name in make_pdfs.FEATURES:
             for root in self.trees(make_pdfs.FEATURES[name]):
                 for family, data in fonts_of(root).items():
-                    checked = subprocess.run(["ots-sanitize", self.file(data, "font.otf")],
-                                             capture_output=True, text=True)
-                    self.assertEqual((checked.returncode, checked.stderr), (0, ""), (name, family))
+                    self.check_font(data, (name, family))
 
     def test_a_second_font_has_the_second_shape_of_a_letter(self):
         root, = self.trees(make_pdfs.FEATURES["forms"])
@@ -346,6 +351,21 @@ class Index(Folder):
         image = compare.base64.b64encode(make_pdfs.jpeg())
         self.assertEqual(sum(page.count(image) for page in self.draw(make_pdfs.book())), 12)
         self.assertEqual(index.count(image), 1)
+
+    def test_fonts_of_a_face_are_one(self):
+        pages = self.trees(make_pdfs.faces())
+        index = (self.folder / "out/index.html").read_text()
+        shared = [base64.b64decode(data) for data in
+                  re.findall(r'<script type="font/otf">data:font/otf;base64,([^<]*)<', index)]
+        self.assertEqual(len(shared), 2, "the letters of two faces differ")
+        for number, font in enumerate(shared):
+            self.check_font(font, number)
+        numbers = re.findall(r"src:url\(<@(\d)>\)", index)
+        self.assertEqual(numbers, ["0", "0", "1"])
+        for page, number in zip(pages, numbers):
+            own, = fonts_of(page).values()
+            self.assertLessEqual(letters_of(own).items(), letters_of(shared[int(number)]).items())
+            self.assertLess(len(own), len(shared[0]))
 
     def test_the_name_of_the_file_is_no_markup(self):
         run(self.file(make_pdfs.FEATURES["text"], "<b>&.pdf"), self.folder / "out")
