@@ -374,7 +374,7 @@ class Index(Folder):
     @unittest.skipUnless(PUPPETEER.exists(), "there are no packages of the viewer")
     def test_in_browsers(self):
         index = self.index(make_pdfs.handbook())
-        done = subprocess.run(["node", "--test", HERE / "index.test.js"], capture_output=True,
+        done = subprocess.run(["node", "--test", HERE / "index.test.mjs"], capture_output=True,
                               text=True, env={**os.environ, "INDEX": index.as_uri()})
         self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
