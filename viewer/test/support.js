@@ -1,5 +1,6 @@
-// What the tests share: pages drawn by the library, a server, the browsers, a document with a viewer.
-import { existsSync, mkdtempSync, readFileSync, readdirSync, realpathSync, rmSync, writeFileSync } from 'node:fs';
+// What the tests share: pages drawn by the library, a server, the browsers.
+import { execFileSync } from 'node:child_process';
+import { existsSync, mkdtempSync, readFileSync, readdirSync, rmSync, writeFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
 import { basename, extname, join } from 'node:path';
@@ -25,104 +26,106 @@ export function draw(calls, size = [0, 0, 1000, 1000]) {
 }
 
 export const text = (string, x, y, advances = null, scaling = 100) => ['DrawText', string, [x, y], advances, scaling];
-export const every = (width, count) => Array(count).fill(width);
+export const every = (each, count) => Array(count).fill(each);
 export const fill = (...colour) => ['SetFill', 255, ...colour];
 export const rectangle = (...bounds) => ['DrawRectangle', bounds];
-export const picture = (markup, bounds = [0, 0, 1000, 1000]) => ['DrawImage', 8, bounds, `<svg x="1">${markup}</svg>`, 100];
+export const picture = (markup, bounds = [0, 0, 1000, 1000]) =>
+  ['DrawImage', 8, bounds, `<svg x="1">${markup}</svg>`, 100];
 export const link = (type, target, ...drawn) => [['BeginLink', type, target], ...drawn, ['EndLink']];
 export const [CHECKBOX, COMBOBOX, TEXT, DATE, OTHER] = [14, 15, 16, 17, 18];
 export const field = (type, name, data, bounds, ...drawn) =>
   [['BeginFormField', type, 0, 0, bounds, name, data], ...drawn, ['EndFormField']];
 
-const recordings = process.env.QZSVGGEN_RECORDINGS;
-
-/** The sample's document and, where the environment names a folder of recordings, those of real pages, by name. */
+/** Names and documents of the sample and, where the environment names a folder of recordings, of real pages. */
 export function samples() {
-  const others = recordings ? readdirSync(recordings).filter(name => name.endsWith('.jsonl')) : [];
-  return [sample, ...others.map(name => join(recordings, name))].map(file => [basename(file, '.jsonl'), replayText(file)]);
+  const { QZSVGGEN_RECORDINGS: folder } = process.env;
+  if (!folder) console.log('QZSVGGEN_RECORDINGS names no folder of real pages: the sample is the only one.');
+  const others = folder ? readdirSync(folder).filter(name => name.endsWith('.jsonl')) : [];
+  return [sample, ...others.map(name => join(folder, name))].map(file => [basename(file, '.jsonl'), replayText(file)]);
 }
 
 // ---- The server ----
 
-const types = { '.js': 'text/javascript', '.svg': 'image/svg+xml' };
-/** What was asked for. */
-export const requests = [];
-let policy = '';
-
-const server = createServer((request, response) => {
-  requests.push(request.url);
-  const path = request.url.split('?')[0];
+const types = { '.js': 'text/javascript', '.mjs': 'text/javascript', '.svg': 'image/svg+xml' };
+const strict = `default-src 'none'; script-src 'self'; img-src data:; font-src data:; connect-src 'self';
+  style-src 'self'; require-trusted-types-for 'script'`.replace(/\s+/g, ' ');
+const requests = [];
+const server = createServer(({ url }, response) => {
+  requests.push(url);
+  const [path, policy] = url.split('?');
   const file = [folder, out].map(each => join(each, path)).find(existsSync);
-  const headers = { 'content-type': `${types[extname(path)] ?? 'text/html'}; charset=utf-8`, 'content-security-policy': policy };
-  response.writeHead(file ? 200 : 404, headers).end(file && readFileSync(file));
+  response.writeHead(file ? 200 : 404, {
+    'content-type': `${types[extname(path)] ?? 'text/html'}; charset=utf-8`,
+    'content-security-policy': policy ? strict : '',
+  }).end(file && readFileSync(file));
 });
 await new Promise(done => server.listen(0, '127.0.0.1', done));
 export const url = `http://127.0.0.1:${server.address().port}`;
 
 // ---- The browsers ----
 
-function executable(name) {
-  const path = process.env.PATH.split(':').map(each => join(each, name)).find(existsSync);
-  // Ubuntu's is a snap's shell, which no test can start.
-  if (path && !realpathSync(path).includes('snap') && !readFileSync(path, 'latin1').slice(0, 2000).includes('/snap/')) return path;
-  console.log(`There is no ${name} here: the viewer is not tested in it.`);
-}
+/** A picture of a page; a document takes its own by `photograph`. */
+export const shoot = async (page, clip) => PNG.sync.read(Buffer.from(await page.screenshot({ clip })));
 
-const running = {};
-const found = [['chrome', executable('chromium')], ['firefox', executable('firefox-esr')]].filter(([, path]) => path);
+/** What a document cannot do itself, and asks the test's process for. */
+const services = {
+  press: (page, key) => page.keyboard.press(key),
+  write: (page, string) => page.keyboard.type(string),
+  clickAt: (page, x, y) => page.mouse.click(x, y),
+  photograph: (page, clip) => page.screenshot({ clip, encoding: 'base64' }),
+  /** What assistive software reads, in order. */
+  read: page => page.accessibility.snapshot(),
+  /** The text of each sheet that the document is printed on. */
+  async printed(page, format, all) {
+    const margin = { top: all, left: all, right: all, bottom: all };
+    write('page.pdf', await page.pdf({ format, printBackground: true, margin }));
+    const sheets = execFileSync('pdftotext', [join(out, 'page.pdf'), '-'], { encoding: 'utf8' }).split('\f');
+    return sheets.map(each => each.trim());
+  },
+  requested: () => requests,
+  tell: (_, line) => console.log(line),
+};
 
-/** A test that runs in each browser, in a document of its own. */
-export function inBrowsers(title, body) {
-  for (const [browser, executablePath] of found) {
-    test(`${title} (${browser})`, async () => {
-      const args = browser === 'chrome' && process.getuid() === 0 ? ['--no-sandbox'] : [];
-      running[browser] ??= await puppeteer.launch({ browser, executablePath, args, defaultViewport: { width: 900, height: 1200 } });
-      const page = await running[browser].newPage();
-      page.on('pageerror', error => console.log(error));
-      try {
-        await body(page, browser);
-      } finally {
-        await page.close();
-      }
-    });
+const pages = [];
+// Ubuntu's are snaps, elsewhere, which a test cannot start.
+for (const [browser, executablePath] of [['chrome', '/usr/bin/chromium'], ['firefox', '/usr/bin/firefox-esr']]) {
+  if (!existsSync(executablePath)) {
+    console.log(`There is no ${executablePath} here: the viewer is not tested in it.`);
+    continue;
   }
+  const args = browser === 'chrome' && process.getuid() === 0 ? ['--no-sandbox'] : [];
+  const defaultViewport = { width: 900, height: 1200 };
+  const page = await (await puppeteer.launch({ browser, executablePath, args, defaultViewport })).newPage();
+  page.on('pageerror', error => console.log(error));
+  for (const [name, act] of Object.entries(services)) await page.exposeFunction(name, act.bind(null, page));
+  pages.push([browser, page]);
 }
 
 after(async () => {
-  for (const browser of Object.values(running)) await browser.close();
+  for (const [, page] of pages) await page.browser().close();
   server.close();
   rmSync(out, { recursive: true });
 });
 
+/** A test of each browser's page, in all browsers at once unless it measures. */
+export const inBrowsers = (title, body, { measures = false } = {}) => test(title, { concurrency: !measures }, context =>
+  Promise.all(pages.map(([browser, page]) => context.test(browser, async () => {
+    await page.goto('about:blank');
+    await body(page, browser);
+  }))));
+
+write('document.html', `<!DOCTYPE html><html lang="en"><title>Test</title><meta charset="utf-8">
+  <link rel="icon" href="data:,"><script type="module" src="/test/document.js"></script>
+  <main><form><fieldset><velumark-viewer id="viewer"></velumark-viewer></fieldset></form></main>`);
+
 /**
- * Opens a document with a viewer, reachable as `viewer`, that shows these pages in a form. Before
- * they are shown, `prepare` is run there.
+ * A test inside a document that shows these pages. It gets them, or what else is given, and knows
+ * what document.js has at hand, but nothing of the module it stands in. The document has the
+ * strictest policy that the viewer works under, unless it is a `free` one.
  */
-export async function open(page, documents, { head = '', contentPolicy = '', prepare = () => {} } = {}) {
-  write('document.html', `<!DOCTYPE html><html lang="en"><title>Test</title><meta charset="utf-8"><link rel="icon" href="data:,">${head}
-    <script type="module" src="/src/viewer.js"></script>
-    <main><form><fieldset><velumark-viewer id="viewer"></velumark-viewer></fieldset></form></main>`);
-  policy = contentPolicy;
-  await page.goto(`${url}/document.html`);
-  await page.waitForFunction(() => customElements.get('velumark-viewer'));
-  await page.evaluate(prepare);
-  await page.evaluate(async texts => {
-    globalThis.root = viewer.shadowRoot;
-    globalThis.$ = selector => root.querySelector(selector);
-    globalThis.$$ = selector => [...root.querySelectorAll(selector)];
-    globalThis.entries = () => [...new FormData(document.forms[0])].map(pair => pair.join('=')).join('&');
-    globalThis.shown = texts;
-    if (texts) await viewer.show(texts);
-  }, documents);
-}
-
-// ---- Pictures ----
-
-export const shoot = async (page, clip) => PNG.sync.read(Buffer.from(await page.screenshot({ clip })));
-
-/** The colours at points of the first page, in units of a page of 1000. */
-export async function colours(page, ...points) {
-  const { data, width } = await shoot(page, await page.evaluate(() => $('section').getBoundingClientRect().toJSON()));
-  const at = ([x, y]) => 4 * (Math.floor(y * width / 1000) * width + Math.floor(x * width / 1000));
-  return points.map(point => [...data.subarray(at(point), at(point) + 3)].join(' '));
-}
+export const inDocument = (title, pages, body, { given = pages, free, measures } = {}) =>
+  inBrowsers(title, async page => {
+    await page.goto(`${url}/document.html${free ? '' : '?strict'}`);
+    await page.evaluate(pages => viewer.show(pages), pages);
+    await page.evaluate(body, given);
+  }, { measures });
