@@ -6,7 +6,6 @@ import { tmpdir } from 'node:os';
 import { basename, extname, join } from 'node:path';
 import { after, test } from 'node:test';
 import { fileURLToPath } from 'node:url';
-import { PNG } from 'pngjs';
 import puppeteer from 'puppeteer-core';
 import { replayText } from '../replay.js';
 
@@ -63,9 +62,6 @@ await new Promise(done => server.listen(0, '127.0.0.1', done));
 export const url = `http://127.0.0.1:${server.address().port}`;
 
 // ---- The browsers ----
-
-/** A picture of a page; a document takes its own by `photograph`. */
-export const shoot = async (page, clip) => PNG.sync.read(Buffer.from(await page.screenshot({ clip })));
 
 /** What a document cannot do itself, and asks the test's process for. */
 const services = {
