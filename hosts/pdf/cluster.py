@@ -16,7 +16,10 @@ import re
 import subprocess
 import sys
 
-import distributed
+try:
+    import distributed
+except ImportError:
+    sys.exit("cluster.py: Dask is missing; Debian has it in python3-distributed")
 
 COLUMNS = ["document", "first", "last", "of", "status", "pages", "seconds", "bytes", "message"]
 FINAL = {"0", "2"}  # of the program: it would say the same again
