@@ -1,5 +1,6 @@
 #include "svg_markup.h"
 
+#include <array>
 #include <cstdio>
 
 namespace qz::pdf {

@@ -114,11 +114,14 @@ Replay::Replay(const Recording& recording)
   if (!generator_) throw std::bad_alloc();
 }
 
-void Replay::draw(int lastLine) {
+std::size_t Replay::draw(int lastLine) {
+  std::size_t drawn = 0;
   for (const Call& call : recording_.calls()) {
     if (lastLine > 0 && call.line > lastLine) break;
     call(generator_.get());
+    ++drawn;
   }
+  return drawn;
 }
 
 Document Replay::close() {

@@ -58,8 +58,8 @@ class Replay {
   // `recording` must have its page and live as long as this. Throws std::bad_alloc.
   explicit Replay(const Recording& recording);
 
-  // Makes all the calls, or those up to a line.
-  void draw(int lastLine = 0);
+  // Makes all the calls, or those up to a line. Returns how many.
+  std::size_t draw(int lastLine = 0);
 
   // Returns the document's UTF-16 code units. Throws RecordingError when it cannot be written.
   Document close();

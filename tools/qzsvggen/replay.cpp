@@ -37,13 +37,11 @@ class ReplayCommand {
   Document drawTimed(const Recording& recording) const {
     Replay replay(recording);
     const auto started = Clock::now();
-    replay.draw(until_);
+    const std::size_t calls = replay.draw(until_);
     const auto drawn = Clock::now();
     Document document = replay.close();
     const std::chrono::duration<double> drawing = drawn - started, closing = Clock::now() - drawn;
-    const auto calls = std::ranges::count_if(
-        recording.calls(), [this](const Call& call) { return until_ == 0 || call.line <= until_; });
-    std::fprintf(stderr, "%td calls: drawing %.6f s, closing %.6f s, %.0f calls per second\n",
+    std::fprintf(stderr, "%zu calls: drawing %.6f s, closing %.6f s, %.0f calls per second\n",
                  calls, drawing.count(), closing.count(),
                  static_cast<double>(calls) / std::max((drawing + closing).count(), 1e-9));
     return document;
