@@ -1,32 +1,60 @@
-// The subcommands. Each adds itself with its options to the program; what it does is its callback,
-// whose result is the program's exit status.
+// The subcommands: what each may be given, and what it does with it. run() returns the program's
+// exit status, or throws Failure. How the command line says it stands in main.cpp alone, since
+// CLI11 takes long to compile.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "files.h"
 
 namespace qz::tools {
 
-struct Program {
-  CLI::App& app;
-  std::function<int()> run;  // of the subcommand that was given
+struct EmitCommand {
+  fs::path file;
+  std::optional<fs::path> output;
 
-  // Adds a subcommand, whose options go into an object that lives as long as the program.
-  template <class Command>
-  void add(const char* name, const char* description) {
-    auto command = std::make_shared<Command>();
-    CLI::App* subcommand = app.add_subcommand(name, description);
-    command->declare(*subcommand);
-    subcommand->callback([this, command] { run = [command] { return command->run(); }; });
-  }
+  int run() const;
 };
 
-void addEmit(Program& program);
-void addLint(Program& program);
-void addList(Program& program);
-void addReduce(Program& program);
-void addReplay(Program& program);
+struct LintCommand {
+  std::vector<fs::path> files;
+  std::vector<std::string> disabled;
+  std::optional<fs::path> of;
+  bool all = false, json = false, pages = false, rules = false;
 
-void addTrace(Program& program);
+  int run() const;
+};
+
+struct ListCommand {
+  fs::path file;
+  bool statistics = false, map = false;
+
+  int run() const;
+};
+
+struct ReduceCommand {
+  fs::path file, output;
+  std::vector<std::string> command;
+
+  int run() const;
+};
+
+struct ReplayCommand {
+  fs::path file;
+  std::optional<fs::path> output;
+  bool utf16 = false, verify = false, time = false;
+  int until = 0;
+
+  int run() const;
+};
+
+struct TraceCommand {
+  fs::path folder = ".", library, tracer;
+  std::vector<std::string> command;
+
+  int run() const;
+};
 
 }  // namespace qz::tools

@@ -45,50 +45,32 @@ int main(int argc, char** argv) {
   }
 )";
 
-class EmitCommand {
- public:
-  void declare(CLI::App& app) {
-    app.add_option("RECORDING", recording_)->required();
-    app.add_option("-o,--output", output_, "Write to FILE instead of standard output")
-        ->type_name("FILE");
-    app.footer("The program takes the name of the file for its document, UTF-16 with its mark.");
-  }
-
-  int run() {
-    const Recording recording = readRecording(recording_);
-    CWriter writer;
-    std::string functions, calls;
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < recording.calls().size(); ++i) {
-      if (i % kCallsOfFunction == 0)
-        functions += (i > 0 ? "}\n\n" : "") + std::string("static void draw") +
-                     std::to_string(++count) + "(SvgGenerator* page) {\n";
-      recording.calls()[i].to(WriteC{writer, functions});
-    }
-    if (count > 0) functions += "}\n";
-    for (std::size_t i = 1; i <= count; ++i) calls += "  draw" + std::to_string(i) + "(page);\n";
-    writer.rectangle(*recording.page());
-    std::string create = writer.takeStatement("SVG_Create");
-    create.erase(create.find("page, "), 6);
-    create = create.substr(create.find_first_not_of(' '));
-    writeOutput("/* The page of " + recording_.filename().string() + ". */\n" + kHead +
-                    writer.pictures() + functions + kTail + "  SvgGenerator* page = " + create +
-                    "  if (page == NULL) return 1;\n" + calls +
-                    "  const int done = writeDocument(page, argv[1]);\n  SVG_Delete(page);\n"
-                    "  return done ? 0 : 1;\n}\n",
-                output_, {recording_});
-    return 0;
-  }
-
- private:
-  fs::path recording_;
-  std::optional<fs::path> output_;
-};
-
 }  // namespace
 
-void addEmit(Program& program) {
-  program.add<EmitCommand>("emit", "Write a C program that draws the page of a recording");
+int EmitCommand::run() const {
+  const Recording recording = readRecording(file);
+  CWriter writer;
+  std::string functions, calls;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < recording.calls().size(); ++i) {
+    if (i % kCallsOfFunction == 0)
+      functions += (i > 0 ? "}\n\n" : "") + std::string("static void draw") +
+                   std::to_string(++count) + "(SvgGenerator* page) {\n";
+    recording.calls()[i].to(WriteC{writer, functions});
+  }
+  if (count > 0) functions += "}\n";
+  for (std::size_t i = 1; i <= count; ++i) calls += "  draw" + std::to_string(i) + "(page);\n";
+  writer.rectangle(*recording.page());
+  std::string create = writer.takeStatement("SVG_Create");
+  create.erase(create.find("page, "), 6);
+  create = create.substr(create.find_first_not_of(' '));
+  writeOutput("/* The page of " + file.filename().string() + ". */\n" + kHead + writer.pictures() +
+                  functions + kTail + "  SvgGenerator* page = " + create +
+                  "  if (page == NULL) return 1;\n" + calls +
+                  "  const int done = writeDocument(page, argv[1]);\n  SVG_Delete(page);\n"
+                  "  return done ? 0 : 1;\n}\n",
+              output, {file});
+  return 0;
 }
 
 }  // namespace qz::tools

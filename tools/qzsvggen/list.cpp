@@ -8,7 +8,6 @@
 
 #include "commands.h"
 #include "document_lint.h"
-#include "files.h"
 #include "page_state.h"
 
 namespace qz::tools {
@@ -151,54 +150,32 @@ void listStatistics(const Xml& xml, std::ostream& out) {
     if (count > 1) out << "  " << count << '\t' << id << '\n';
 }
 
-class ListCommand {
- public:
-  void declare(CLI::App& app) {
-    app.add_option("FILE", file_, "A recording (.jsonl) or a document")->required();
-    app.add_flag("--statistics", statistics_,
-                 "Count elements, bytes by part, and what is shared, of the document");
-    app.add_flag("--map", map_, "Write the elements of each line of a recording as JSON");
-    app.footer(
-        "Of a recording: the line, the call, the element that it made (or -) and the state "
-        "in force behind it, parted by tabs. Of a document: an element's path, and the "
-        "element.");
-  }
-
-  int run() {
-    std::ostringstream out;
-    if (file_.extension() == ".jsonl") {
-      const Recording recording = readRecording(file_);
-      if (statistics_)
-        listStatistics(drawn(recording), out);
-      else
-        (map_ ? listMap : listCalls)(recording, out);
-    } else {
-      if (map_) throw Failure(file_.string() + ": --map needs a recording");
-      const Xml xml = readDocument(file_);
-      (statistics_ ? listStatistics : listElements)(xml, out);
-    }
-    writeOutput(out.str(), std::nullopt);
-    return 0;
-  }
-
- private:
-  Xml drawn(const Recording& recording) const {
-    int replaced = 0;
-    const std::string text = encodeUtf8(drawDocument(file_, recording), replaced);
-    Xml xml = readXml(decodeDocument(text).text);
-    if (!xml.fault.empty() || xml.elements.empty())
-      throw Failure(file_.string() + ": its document cannot be read; `qzsvggen lint` tells more");
-    return xml;
-  }
-
-  fs::path file_;
-  bool statistics_ = false, map_ = false;
-};
+Xml readOwnDocument(const fs::path& file, const Recording& recording) {
+  int replaced = 0;
+  const std::string text = encodeUtf8(drawDocument(file, recording), replaced);
+  Xml xml = readXml(decodeDocument(text).text);
+  if (!xml.fault.empty() || xml.elements.empty())
+    throw Failure(file.string() + ": its document cannot be read; `qzsvggen lint` tells more");
+  return xml;
+}
 
 }  // namespace
 
-void addList(Program& program) {
-  program.add<ListCommand>("list", "List calls with their state and elements, or elements");
+int ListCommand::run() const {
+  std::ostringstream out;
+  if (file.extension() == ".jsonl") {
+    const Recording recording = readRecording(file);
+    if (statistics)
+      listStatistics(readOwnDocument(file, recording), out);
+    else
+      (map ? listMap : listCalls)(recording, out);
+  } else {
+    if (map) throw Failure(file.string() + ": --map needs a recording");
+    const Xml xml = readDocument(file);
+    (statistics ? listStatistics : listElements)(xml, out);
+  }
+  writeOutput(out.str(), std::nullopt);
+  return 0;
 }
 
 }  // namespace qz::tools

@@ -5,7 +5,6 @@
 #include <sstream>
 
 #include "commands.h"
-#include "files.h"
 
 #if !defined(_WIN32)
 #include <sys/wait.h>
@@ -29,27 +28,15 @@ std::string shellWord(const std::string& argument) {
 #endif
 }
 
-class ReduceCommand {
+class Reduction {
  public:
-  void declare(CLI::App& app) {
-    app.add_option("RECORDING", recording_)->required();
-    app.add_option("-o,--output", output_, "Where the smaller recording goes")
-        ->type_name("FILE")
-        ->required();
-    app.add_option("COMMAND", command_,
-                   "After --: the command and its arguments; {} is the recording")
-        ->required();
-    app.footer(
-        "COMMAND fails when its exit status is not 0. It is run many times. A recording that "
-        "cannot be read is refused before. To look for what works, let a script turn the status "
-        "around.");
-  }
+  explicit Reduction(const ReduceCommand& given) : given_(given) {}
 
   int run() {
     // Beside the recording, where its pictures are found.
     const std::string name =
         ".qzsvggen-reduce-" + std::to_string(Clock::now().time_since_epoch().count()) + ".jsonl";
-    trial_ = recording_.parent_path() / name;
+    trial_ = given_.file.parent_path() / name;
     const struct Remove {
       const fs::path& file;
       ~Remove() {
@@ -60,12 +47,12 @@ class ReduceCommand {
 
     readLines();
     if (!fails(lines_))
-      throw Failure(recording_.string() + ": the command does not fail for the whole recording");
+      throw Failure(given_.file.string() + ": the command does not fail for the whole recording");
     const std::size_t before = lines_.size();
     reduce();
-    writeOutput(text(lines_), output_, {recording_});
-    std::cerr << output_.string() << ": " << lines_.size() << " of " << before << " calls, in "
-              << runs_ << " runs\n";
+    writeOutput(text(lines_), given_.output, {given_.file});
+    std::cerr << given_.output.string() << ": " << lines_.size() << " of " << before
+              << " calls, in " << runs_ << " runs\n";
     return 0;
   }
 
@@ -73,9 +60,9 @@ class ReduceCommand {
   // The first call is kept apart: it creates the page. Notes are left out, and a call that was cut
   // off.
   void readLines() {
-    const Recording recording = readRecording(recording_);  // says what is wrong with it
+    const Recording recording = readRecording(given_.file);  // says what is wrong with it
     auto call = recording.calls().begin();
-    std::istringstream in(readFile(recording_));
+    std::istringstream in(readFile(given_.file));
     std::string line;
     for (int number = 1; std::getline(in, line); ++number) {
       if (number == recording.pageLine()) {
@@ -99,7 +86,7 @@ class ReduceCommand {
       progress_.show(std::to_string(lines_.size()) + " calls left, run " + std::to_string(runs_));
     writeOutput(text(lines), trial_);
     std::string command;
-    for (std::string argument : command_) {
+    for (std::string argument : given_.command) {
       for (std::size_t at = 0; (at = argument.find("{}", at)) != std::string::npos;) {
         argument.replace(at, 2, trial_.string());
         at += trial_.string().size();
@@ -111,7 +98,7 @@ class ReduceCommand {
 #else
     const int status = std::system((command + " >/dev/null 2>&1").c_str());
     if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
-      throw Failure(command_.front() + ": cannot be run");
+      throw Failure(given_.command.front() + ": cannot be run");
     if (WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) throw Failure("interrupted");
 #endif
     return status != 0;
@@ -138,8 +125,8 @@ class ReduceCommand {
     }
   }
 
-  fs::path recording_, output_, trial_;
-  std::vector<std::string> command_;
+  const ReduceCommand& given_;
+  fs::path trial_;
   std::string create_;
   Lines lines_;
   int runs_ = 0;
@@ -148,8 +135,6 @@ class ReduceCommand {
 
 }  // namespace
 
-void addReduce(Program& program) {
-  program.add<ReduceCommand>("reduce", "Find the smallest recording for which a command fails");
-}
+int ReduceCommand::run() const { return Reduction(*this).run(); }
 
 }  // namespace qz::tools

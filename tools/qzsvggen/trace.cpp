@@ -6,7 +6,6 @@
 #include <set>
 
 #include "commands.h"
-#include "files.h"
 
 #if !defined(_WIN32)
 #include <sys/wait.h>
@@ -43,7 +42,7 @@ fs::path findTracingLibrary() {
 }
 
 // Returns the exit status, as a shell tells it.
-int runHost(std::vector<std::string>& command) {
+int runHost(std::vector<std::string> command) {
   std::vector<char*> arguments;
   arguments.reserve(command.size() + 1);
   for (std::string& each : command) arguments.push_back(each.data());
@@ -61,56 +60,32 @@ int runHost(std::vector<std::string>& command) {
 
 #endif
 
-class TraceCommand {
- public:
-  void declare(CLI::App& app) {
-    app.add_option("-o,--output", folder_, "Where the recordings go; here, unless given")
-        ->type_name("FOLDER");
-    app.add_option("--library", library_, "The real library, where the host does not find it")
-        ->type_name("FILE");
-    app.add_option("--tracer", tracer_, "The tracing library")->type_name("FILE");
-    app.add_option("HOST", command_, "After --: the program and its arguments")->required();
-    app.footer(
-        "Each page becomes PROGRAM-PID-NNNN.jsonl, its larger pictures files beside it. The "
-        "exit status is the host's, or 1 when nothing was recorded.");
-  }
-
-  int run() {
-#if defined(_WIN32)
-    throw Failure(
-        std::string("On Windows put the tracing qzsvggen.dll in place of the real one:\n") +
-        kOtherWays);
-#else
-    fs::create_directories(folder_);
-    const std::set<fs::path> before = recordingsIn(folder_);
-    const std::string tracer =
-        (tracer_.empty() ? findTracingLibrary() : fs::absolute(tracer_)).string();
-    const char* preloaded = std::getenv("LD_PRELOAD");
-    setenv("LD_PRELOAD", (preloaded ? tracer + ":" + preloaded : tracer).c_str(), 1);
-    setenv("QZSVGGEN_TRACE_FOLDER", fs::absolute(folder_).c_str(), 1);
-    if (!library_.empty()) setenv("QZSVGGEN_TRACE_LIBRARY", fs::absolute(library_).c_str(), 1);
-    const int status = runHost(command_);
-    const std::size_t count = recordingsIn(folder_).size() - before.size();
-    if (count > 0) {
-      std::cerr << count << (count == 1 ? " page" : " pages") << " recorded in " << folder_.string()
-                << '\n';
-      return status;
-    }
-    std::cerr << "Nothing was recorded: " << command_[0] << " called no SVG_Create that was seen.\n"
-              << kOtherWays;
-    return status != 0 ? status : 1;
-#endif
-  }
-
- private:
-  fs::path folder_ = ".", library_, tracer_;
-  std::vector<std::string> command_;
-};
-
 }  // namespace
 
-void addTrace(Program& program) {
-  program.add<TraceCommand>("trace", "Run a program and record the pages that it draws");
+int TraceCommand::run() const {
+#if defined(_WIN32)
+  throw Failure(std::string("On Windows put the tracing qzsvggen.dll in place of the real one:\n") +
+                kOtherWays);
+#else
+  fs::create_directories(folder);
+  const std::set<fs::path> before = recordingsIn(folder);
+  const std::string tracingLibrary =
+      (tracer.empty() ? findTracingLibrary() : fs::absolute(tracer)).string();
+  const char* preloaded = std::getenv("LD_PRELOAD");
+  setenv("LD_PRELOAD", (preloaded ? tracingLibrary + ":" + preloaded : tracingLibrary).c_str(), 1);
+  setenv("QZSVGGEN_TRACE_FOLDER", fs::absolute(folder).c_str(), 1);
+  if (!library.empty()) setenv("QZSVGGEN_TRACE_LIBRARY", fs::absolute(library).c_str(), 1);
+  const int status = runHost(command);
+  const std::size_t count = recordingsIn(folder).size() - before.size();
+  if (count > 0) {
+    std::cerr << count << (count == 1 ? " page" : " pages") << " recorded in " << folder.string()
+              << '\n';
+    return status;
+  }
+  std::cerr << "Nothing was recorded: " << command[0] << " called no SVG_Create that was seen.\n"
+            << kOtherWays;
+  return status != 0 ? status : 1;
+#endif
 }
 
 }  // namespace qz::tools
