@@ -5,7 +5,7 @@ import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { fileURLToPath } from 'node:url';
 
-const [tool, ...verb] = [fileURLToPath(new URL('../build/release/tools/qzsvggen/qzsvggen', import.meta.url)), 'replay'];
+const tool = process.env.QZSVGGEN ?? fileURLToPath(new URL('../build/release/tools/qzsvggen/qzsvggen', import.meta.url));
 
 /**
  * The document of a recording, as UTF-8 text.
@@ -15,7 +15,7 @@ export function replayText(recording) {
   const out = mkdtempSync(join(tmpdir(), 'qzsvggen-'));
   try {
     const document = join(out, 'page.svg');
-    execFileSync(tool, [...verb, recording, '-o', document], { stdio: ['ignore', 'ignore', 'inherit'] });
+    execFileSync(tool, ['replay', recording, '-o', document], { stdio: ['ignore', 'ignore', 'inherit'] });
     return readFileSync(document, 'utf8');
   } finally {
     rmSync(out, { recursive: true });
